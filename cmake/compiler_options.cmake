@@ -1,0 +1,18 @@
+# Options of everything that is ours: warnings, exact floating-point arithmetic, sanitizers.
+add_library(tesmor_options INTERFACE)
+
+if(MSVC)
+  target_compile_options(tesmor_options INTERFACE /W4 /fp:precise $<$<BOOL:${TESMOR_WARNINGS_AS_ERRORS}>:/WX>)
+else()
+  target_compile_options(tesmor_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wundef $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+    # A fused multiply-add would change the focus measure and the gain.
+    -ffp-contract=off
+    $<$<BOOL:${TESMOR_WARNINGS_AS_ERRORS}>:-Werror>)
+endif()
+
+if(TESMOR_SANITIZERS)
+  target_compile_options(tesmor_options INTERFACE
+    -fsanitize=${TESMOR_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tesmor_options INTERFACE -fsanitize=${TESMOR_SANITIZERS})
+endif()

@@ -1,0 +1,55 @@
+#include "api/library.h"
+
+#include "drive/focus_drive.h"
+#include "platform/locale.h"
+
+#include <algorithm>
+#include <mutex>
+#include <new>
+
+namespace tesmor {
+
+namespace {
+
+// Room for the library's state that no destructor ever empties: at exit the worker may still be running.
+union LibraryStorage {
+    constexpr LibraryStorage() noexcept : empty{} {}
+    ~LibraryStorage() {}
+
+    char empty;
+    Library library;
+};
+
+constinit LibraryStorage storage;
+
+} // namespace
+
+constinit Library& library = storage.library;
+
+bool isSimplifiedChinese(std::uint32_t codePage, std::uint16_t languageId) noexcept
+{
+    constexpr std::uint32_t codePages[] = {936, 10008, 20936, 50227, 50935, 50936, 51936, 54936};
+    constexpr std::uint16_t languageIds[] = {2052, 4, 4100};
+    return std::ranges::find(codePages, codePage) != std::end(codePages) &&
+           std::ranges::find(languageIds, languageId) != std::end(languageIds);
+}
+
+Library::Library(platform::ModuleHandle module)
+    : moduleHandle(module),
+      chineseLocale(isSimplifiedChinese(platform::ansiCodePage(), platform::userLanguageId()) ? 1 : 0)
+{
+    commandBlock.command = CMD_IDLE;
+}
+
+CommandBlock Library::copyCommandBlock() noexcept
+{
+    std::lock_guard guard(commandLock);
+    return commandBlock;
+}
+
+void setUpLibrary(platform::ModuleHandle module)
+{
+    new (&storage.library) Library(module);
+}
+
+} // namespace tesmor

@@ -1,0 +1,16 @@
+// Luminance per byte value of each colour.
+#pragma once
+
+#include <array>
+
+namespace tesmor {
+
+struct LumaTables {
+    LumaTables() noexcept;
+
+    std::array<double, 256> lumaR;
+    std::array<double, 256> lumaG;
+    std::array<double, 256> lumaB;
+};
+
+} // namespace tesmor

@@ -1,0 +1,78 @@
+#include "drive/focus_drive.h"
+
+#include "drive/drive_request.h"
+#include "platform/clock.h"
+
+#include <array>
+
+namespace tesmor {
+
+FocusDrive::FocusDrive() noexcept
+{
+    open();
+}
+
+FocusDrive::~FocusDrive()
+{
+    close();
+}
+
+void FocusDrive::open() noexcept
+{
+    for (unsigned unit = 0; unit < MAX_DRIVE_UNITS && !hasDevice(); ++unit) {
+        if (platform::deviceExists(unit))
+            device_ = platform::openDevice(unit);
+    }
+    ackEvent_ = platform::Event::create(platform::Reset::manual, false);
+    opened_ = sendRequest(DRIVE_REQ_OPEN, 0, 0);
+}
+
+void FocusDrive::close() noexcept
+{
+    if (!hasDevice())
+        return;
+    if (opened_)
+        sendRequest(DRIVE_REQ_CLOSE, 0, 0);
+    platform::closeDevice(device_);
+    device_ = platform::INVALID_DEVICE;
+}
+
+bool FocusDrive::sendRequest(std::uint8_t request, std::uint16_t value, std::uint16_t index) noexcept
+{
+    return platform::controlDevice(device_, IOCTL_DRIVE_REQUEST, makeDriveRequest(request, value, index));
+}
+
+bool FocusDrive::readAck() noexcept
+{
+    if (platform::readDeviceByte(device_, ackEvent_.get(), ACK_TIMEOUT_MS))
+        return true;
+    constexpr std::array<std::uint8_t, 4> zero{};
+    platform::controlDevice(device_, IOCTL_DRIVE_RESET_ACK, zero);
+    platform::sleepMilliseconds(DRIVE_RETRY_PAUSE_MS);
+    return false;
+}
+
+bool FocusDrive::move(std::uint16_t steps, bool reverse) noexcept
+{
+    const std::uint16_t direction = reverse ? DIR_REVERSE : DIR_FORWARD;
+    int refusals = 0;
+    while (!sendRequest(DRIVE_REQ_MOVE, direction, steps)) {
+        platform::sleepMilliseconds(DRIVE_RETRY_PAUSE_MS);
+        if (++refusals == SEND_ATTEMPTS)
+            return false;
+    }
+    for (int read = 0; read < ACK_READS; ++read) {
+        if (readAck())
+            return true;
+    }
+    return false;
+}
+
+bool FocusDrive::moveBy(std::int32_t displacement) noexcept
+{
+    const bool reverse = displacement <= 0;
+    const auto bits = static_cast<std::uint32_t>(displacement);
+    return move(static_cast<std::uint16_t>(reverse ? 0u - bits : bits), reverse);
+}
+
+} // namespace tesmor

@@ -1,0 +1,37 @@
+#include "drive/manual_move.h"
+
+#include "api/library.h"
+#include "api/result_codes.h"
+#include "drive/focus_drive.h"
+
+#include <new>
+
+namespace tesmor {
+
+namespace {
+
+// Truncated toward zero. The step count must fit 32 bits.
+std::int32_t stepsOfAngle(double angle) noexcept
+{
+    return static_cast<std::int32_t>(angle * STEPS_PER_TURN / 360.0);
+}
+
+std::int32_t turnFocus(double angle) noexcept
+{
+    library.manualDrive.reset();
+    library.manualDrive.reset(new (std::nothrow) FocusDrive);
+    if (!library.manualDrive || !library.manualDrive->hasDevice())
+        return NO_DRIVE;
+    return library.manualDrive->moveBy(stepsOfAngle(angle)) ? SUCCESS : MOVE_FAILED;
+}
+
+} // namespace
+
+void manualMove(double angle, DoneCallback doneCallback, void* context)
+{
+    const std::int32_t result = turnFocus(angle);
+    if (doneCallback)
+        doneCallback(context, result);
+}
+
+} // namespace tesmor

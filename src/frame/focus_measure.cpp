@@ -1,0 +1,79 @@
+#include "frame/focus_measure.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tesmor {
+
+namespace {
+
+struct Region {
+    std::int32_t left;
+    std::int32_t top;
+    std::int32_t width;
+    std::int32_t height;
+};
+
+bool isHighMagnification(std::uint16_t magnification) noexcept
+{
+    return magnification == 40 || magnification == 60 || magnification == 80 || magnification == 100;
+}
+
+Region centralRegion(std::int32_t width, std::int32_t height, std::uint16_t magnification) noexcept
+{
+    const std::int32_t divisor = isHighMagnification(magnification) ? 2 : 4;
+    const std::int32_t regionWidth = width / divisor;
+    const std::int32_t regionHeight = height / divisor;
+    return {(width - regionWidth) / 2, (height - regionHeight) / 2, regionWidth, regionHeight};
+}
+
+// 32-bit products that wrap, as a row offset past 2^31 bits must.
+const std::uint8_t* rowStart(const std::uint8_t* image, std::int32_t width, std::int32_t row) noexcept
+{
+    const auto bits = static_cast<std::uint32_t>(row) * static_cast<std::uint32_t>(width) * 24u + 31u;
+    return image + static_cast<std::int32_t>(bits) / 32 * 4;
+}
+
+// Luminance is computed piece by piece into a buffer that stays in the first-level cache, in either pass anew: that
+// costs less than storing a whole region and leaves no allocation that could fail on the host's video thread.
+constexpr std::int32_t PIECE_PIXELS = 512;
+
+template <class Accumulate>
+void forEachLuminance(const std::uint8_t* image, std::int32_t width, const Region& region, const LumaTables& tables,
+                      Accumulate accumulate) noexcept
+{
+    std::array<double, PIECE_PIXELS> luminance;
+    for (std::int32_t row = 0; row < region.height; ++row) {
+        const std::uint8_t* pixel = rowStart(image, width, region.top + row) + region.left * 3;
+        for (std::int32_t column = 0; column < region.width; column += PIECE_PIXELS) {
+            const std::int32_t count = std::min(PIECE_PIXELS, region.width - column);
+            for (std::int32_t i = 0; i < count; ++i, pixel += 3)
+                luminance[i] = tables.lumaR[pixel[2]] + tables.lumaG[pixel[1]] + tables.lumaB[pixel[0]];
+            for (std::int32_t i = 0; i < count; ++i)
+                accumulate(luminance[i]);
+        }
+    }
+}
+
+} // namespace
+
+double measureFocus(const std::uint8_t* image, std::int32_t width, std::int32_t height, std::uint16_t magnification,
+                    const LumaTables& tables) noexcept
+{
+    const Region region = centralRegion(width, height, magnification);
+    if (region.width <= 0 || region.height <= 0)
+        return 0.0;
+
+    double sum = 0.0;
+    forEachLuminance(image, width, region, tables, [&](double luminance) { sum += luminance; });
+    const double mean = sum / region.width / region.height;
+
+    double squaredDeviations = 0.0;
+    forEachLuminance(image, width, region, tables, [&](double luminance) {
+        const double deviation = luminance - mean;
+        squaredDeviations += deviation * deviation;
+    });
+    return squaredDeviations;
+}
+
+} // namespace tesmor

@@ -1,0 +1,179 @@
+#include "fusion/sharpen_engine.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tesmor {
+
+namespace {
+
+constexpr double PI = 3.141592653589793;
+constexpr double HALF_PI = 1.5707963267948966;
+constexpr double LEAST_USABLE_GAIN = 0.0009765625; // 2^-10
+
+ComplexPlane makeComplexPlane(std::size_t count) noexcept
+{
+    return ComplexPlane(static_cast<fftw_complex*>(fftw_malloc(count * sizeof(fftw_complex))));
+}
+
+FftwPlan makePlan(std::uint32_t width, std::uint32_t height, fftw_complex* from, fftw_complex* to, int sign) noexcept
+{
+    const int size[] = {static_cast<int>(height), static_cast<int>(width)};
+    return FftwPlan(fftw_plan_many_dft(2, size, 1, from, nullptr, 1, 1, to, nullptr, 1, 1, sign, FFTW_MEASURE));
+}
+
+template <class Value>
+void loadPlane(const Value* values, std::size_t valueStep, std::size_t count, fftw_complex* plane) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        plane[i][0] = values[i * valueStep];
+        plane[i][1] = 0.0;
+    }
+}
+
+void multiply(fftw_complex* spectrum, const double* gain, double scale, std::size_t count) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i) {
+        spectrum[i][0] = spectrum[i][0] * scale * gain[i];
+        spectrum[i][1] = spectrum[i][1] * scale * gain[i];
+    }
+}
+
+std::uint8_t magnitudeByte(const fftw_complex& pixel, double scale) noexcept
+{
+    const double rounded = std::sqrt(pixel[0] * pixel[0] + pixel[1] * pixel[1]) * scale + 0.5;
+    const double notNegative = rounded > 0.0 ? rounded : 0.0; // also where it is not a number
+    return static_cast<std::uint8_t>(static_cast<std::int32_t>(notNegative < 255.0 ? notNegative : 255.0));
+}
+
+} // namespace
+
+void SharpenEngine::prepare(std::uint32_t width, std::uint32_t height) noexcept
+{
+    if (ready_ && width == width_ && height == height_)
+        return;
+    release();
+    width_ = width;
+    height_ = height;
+    ready_ = makePlans() && obtainArrays();
+    if (!ready_)
+        release();
+}
+
+// FFTW_MEASURE overwrites the arrays that it plans with, so these are scratch.
+bool SharpenEngine::makePlans() noexcept
+{
+    const ComplexPlane from = makeComplexPlane(pixelCount());
+    const ComplexPlane to = makeComplexPlane(pixelCount());
+    if (!from || !to)
+        return false;
+    forwardPlan_ = makePlan(width_, height_, from.get(), to.get(), FFTW_FORWARD);
+    if (forwardPlan_)
+        inversePlan_ = makePlan(width_, height_, from.get(), to.get(), FFTW_BACKWARD);
+    return forwardPlan_ && inversePlan_;
+}
+
+bool SharpenEngine::obtainArrays() noexcept
+{
+    gain_ = makeZeroedArray<double>(pixelCount());
+    bool complete = gain_ != nullptr;
+    for (ComplexPlane* plane : {&planeR_, &planeG_, &planeB_, &spectrumR_, &spectrumG_, &spectrumB_}) {
+        *plane = makeComplexPlane(pixelCount());
+        complete = complete && *plane;
+    }
+    return complete;
+}
+
+void SharpenEngine::release() noexcept
+{
+    gain_.reset();
+    for (ComplexPlane* plane : {&planeR_, &planeG_, &planeB_, &spectrumR_, &spectrumG_, &spectrumB_})
+        plane->reset();
+    width_ = 0;
+    height_ = 0;
+    forwardPlan_.reset();
+    inversePlan_.reset();
+    ready_ = false;
+}
+
+// A raised sine over the distance r from the highest frequency: g = sin(t / rolloff * pi/2 - pi) + 1, t = r - cutoff
+// limited to 0..1. Most frequencies lie below the cutoff and share the value at t = 0.
+void SharpenEngine::buildGain() noexcept
+{
+    const auto gainAt = [this](double t) {
+        if (t > rolloff_)
+            return 0.0;
+        return std::max(std::sin(t / rolloff_ * HALF_PI - PI) + 1.0, 0.0);
+    };
+    const double flatGain = gainAt(0.0);
+    const double columnStep = 2.0 / width_;
+    const double rowStep = 2.0 / height_;
+    const double rootOfTwo = std::sqrt(2.0);
+    double* gain = gain_.get();
+    for (std::uint32_t y = 0; y < height_; ++y) {
+        const double v = 1.0 - y * rowStep;
+        for (std::uint32_t x = 0; x < width_; ++x) {
+            const double u = 1.0 - x * columnStep;
+            const double r = std::sqrt(v * v + u * u) / rootOfTwo;
+            const double t = r - cutoff_;
+            *gain++ = t <= 0.0 ? flatGain : gainAt(std::min(t, 1.0));
+        }
+    }
+}
+
+void SharpenEngine::loadImage(const std::uint8_t* image, std::int32_t stride) noexcept
+{
+    for (std::uint32_t y = 0; y < height_; ++y) {
+        const std::uint8_t* row = image + static_cast<std::size_t>(stride) * y;
+        const std::size_t first = static_cast<std::size_t>(width_) * y;
+        loadPlane(row + 2, 3, width_, planeR_.get() + first);
+        loadPlane(row + 1, 3, width_, planeG_.get() + first);
+        loadPlane(row, 3, width_, planeB_.get() + first);
+    }
+}
+
+void SharpenEngine::loadPlanes(const float* red, const float* green, const float* blue) noexcept
+{
+    loadPlane(red, 1, pixelCount(), planeR_.get());
+    loadPlane(green, 1, pixelCount(), planeG_.get());
+    loadPlane(blue, 1, pixelCount(), planeB_.get());
+    forward();
+}
+
+void SharpenEngine::forward() noexcept
+{
+    fftw_execute_dft(forwardPlan_.get(), planeR_.get(), spectrumR_.get());
+    fftw_execute_dft(forwardPlan_.get(), planeG_.get(), spectrumG_.get());
+    fftw_execute_dft(forwardPlan_.get(), planeB_.get(), spectrumB_.get());
+}
+
+void SharpenEngine::applyGain() noexcept
+{
+    const double scale = gain_[0] > LEAST_USABLE_GAIN ? 1.0 / gain_[0] : 1.0;
+    multiply(spectrumR_.get(), gain_.get(), scale, pixelCount());
+    multiply(spectrumG_.get(), gain_.get(), scale, pixelCount());
+    multiply(spectrumB_.get(), gain_.get(), scale, pixelCount());
+}
+
+void SharpenEngine::inverse() noexcept
+{
+    fftw_execute_dft(inversePlan_.get(), spectrumR_.get(), planeR_.get());
+    fftw_execute_dft(inversePlan_.get(), spectrumG_.get(), planeG_.get());
+    fftw_execute_dft(inversePlan_.get(), spectrumB_.get(), planeB_.get());
+}
+
+void SharpenEngine::storeImage(std::uint8_t* image, std::int32_t stride) const noexcept
+{
+    const double scale = 1.0 / static_cast<double>(pixelCount());
+    for (std::uint32_t y = 0; y < height_; ++y) {
+        std::uint8_t* row = image + static_cast<std::size_t>(stride) * y;
+        const std::size_t first = static_cast<std::size_t>(width_) * y;
+        for (std::uint32_t x = 0; x < width_; ++x) {
+            row[3 * x] = magnitudeByte(planeB_[first + x], scale);
+            row[3 * x + 1] = magnitudeByte(planeG_[first + x], scale);
+            row[3 * x + 2] = magnitudeByte(planeR_[first + x], scale);
+        }
+    }
+}
+
+} // namespace tesmor

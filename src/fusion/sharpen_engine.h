@@ -1,0 +1,101 @@
+// Sharpens a three-channel image of a fixed size by a radial boost of its high frequencies, in the two-dimensional
+// discrete Fourier domain. Each colour is transformed by itself, as complex numbers with imaginary part 0.
+//
+// One sharpening: loadImage and forward, or loadPlanes (which runs forward itself); applyGain; inverse; storeImage.
+// prepare and buildGain come once before. All but release need a ready engine.
+// One thread at a time; FFTW's planner is not thread-safe, so no two engines may be prepared or released at once.
+#pragma once
+
+#include "fusion/zeroed_array.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <fftw3.h>
+#include <memory>
+#include <type_traits>
+
+namespace tesmor {
+
+struct FreeFftwMemory {
+    void operator()(void* memory) const noexcept
+    {
+        fftw_free(memory);
+    }
+};
+
+struct DestroyPlan {
+    void operator()(fftw_plan plan) const noexcept
+    {
+        fftw_destroy_plan(plan);
+    }
+};
+
+using ComplexPlane = std::unique_ptr<fftw_complex[], FreeFftwMemory>;
+using FftwPlan = std::unique_ptr<std::remove_pointer_t<fftw_plan>, DestroyPlan>;
+
+class SharpenEngine {
+public:
+    // cutoff: radius (1 at zero frequency, 0 at the highest) below which the gain is flat.
+    // rolloff: width of the raised-sine transition above it.
+    SharpenEngine(double cutoff, double rolloff) noexcept : cutoff_(cutoff), rolloff_(rolloff) {}
+
+    // Obtains arrays and plans for images of width x height pixels, both at least 1; does nothing when it has them
+    // already. When something cannot be had the engine is left released; see ready. Takes seconds for large images.
+    void prepare(std::uint32_t width, std::uint32_t height) noexcept;
+
+    // Gives everything back.
+    void release() noexcept;
+
+    bool ready() const noexcept
+    {
+        return ready_;
+    }
+
+    // The gain of each frequency, in the order of the transform (zero frequency first). Valid while ready.
+    const double* gain() const noexcept
+    {
+        return gain_.get();
+    }
+
+    void buildGain() noexcept;
+
+    // image: rows of `stride` bytes, blue, green, red.
+    void loadImage(const std::uint8_t* image, std::int32_t stride) noexcept;
+
+    // width x height values a plane, from 0 to 255. Runs forward.
+    void loadPlanes(const float* red, const float* green, const float* blue) noexcept;
+
+    void forward() noexcept;
+
+    // Boosts the spectra so that zero frequency, the mean brightness, stays as it is.
+    void applyGain() noexcept;
+
+    // Without the factor 1 / (width x height), which storeImage applies.
+    void inverse() noexcept;
+
+    // Writes the magnitude of each pixel, rounded and limited to 0..255: what overshoots below 0 beside a dark edge
+    // shows its size instead. What is not a number becomes 0. Padding bytes are not written.
+    void storeImage(std::uint8_t* image, std::int32_t stride) const noexcept;
+
+private:
+    std::size_t pixelCount() const noexcept
+    {
+        return static_cast<std::size_t>(width_) * height_;
+    }
+
+    bool makePlans() noexcept;
+    bool obtainArrays() noexcept;
+
+    std::uint32_t width_ = 0;  // pixels; 0 when released
+    std::uint32_t height_ = 0; // pixels; 0 when released
+    double cutoff_;
+    double rolloff_;
+    bool ready_ = false;
+    ZeroedArray<double> gain_;
+    FftwPlan forwardPlan_;
+    FftwPlan inversePlan_;
+    ComplexPlane planeR_, planeG_, planeB_;
+    ComplexPlane spectrumR_, spectrumG_, spectrumB_;
+};
+
+} // namespace tesmor

@@ -1,0 +1,54 @@
+// The per-pixel weighted mean colour of the images added so far.
+#pragma once
+
+#include "fusion/image_layout.h"
+#include "fusion/zeroed_array.h"
+
+#include <cstdint>
+
+namespace tesmor {
+
+// Highlights enter the mean compressed: values from 192 up by 1 in 8, so that 255 counts as 247. They are never expanded
+// again.
+constexpr std::int32_t compressHighlight(std::int32_t value) noexcept
+{
+    return value < 192 ? value : value - (value - 184) / 8;
+}
+
+class WeightedMean {
+public:
+    explicit WeightedMean(const ImageLayout& layout) noexcept;
+
+    // Whether all buffers could be obtained.
+    bool ready() const noexcept;
+
+    // Adds row y of an image with its weights, at least 1 and at most 195075 a pixel.
+    void addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* weights) noexcept;
+
+    // Turns the sums into means; no row can be added after it. Without any image every mean is not a number.
+    void normalise() noexcept;
+
+    // Planes of width x height values, valid after normalise.
+    const float* red() const noexcept
+    {
+        return meanR_.get();
+    }
+    const float* green() const noexcept
+    {
+        return sumR_.get();
+    }
+    const float* blue() const noexcept
+    {
+        return sumG_.get();
+    }
+
+private:
+    ImageLayout layout_;
+    ZeroedArray<std::int32_t> weightSum_;
+    ZeroedArray<float> meanR_;
+    ZeroedArray<float> sumR_; // holds the green mean in the end,
+    ZeroedArray<float> sumG_; // and this one the blue
+    ZeroedArray<float> sumB_;
+};
+
+} // namespace tesmor

@@ -1,0 +1,22 @@
+#include "platform/clock.h"
+
+#include <cerrno>
+#include <ctime>
+
+namespace tesmor::platform {
+
+std::uint32_t tickMilliseconds() noexcept
+{
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<std::uint32_t>(static_cast<std::uint64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1'000'000);
+}
+
+void sleepMilliseconds(std::uint32_t milliseconds) noexcept
+{
+    timespec left{static_cast<time_t>(milliseconds / 1000), static_cast<long>(milliseconds % 1000) * 1'000'000};
+    while (clock_nanosleep(CLOCK_MONOTONIC, 0, &left, &left) == EINTR) {
+    }
+}
+
+} // namespace tesmor::platform

@@ -1,0 +1,211 @@
+// The focus drive's device on Linux: a link to a drive service on a local socket.
+//   socket       AF_UNIX, SOCK_SEQPACKET, abstract name "braskdrv-%u-1010"; one packet is one message
+//   to service   control code as u32, then its input bytes
+//   from service 5 bytes: the control code that is answered as u32, then 0 for refused, else accepted
+//                1 byte: an acknowledgement; any other length is ignored
+//   byte order   little-endian
+// The service must run as root or as the library's own user.
+#include "platform/drive_device.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <ctime>
+#include <new>
+#include <optional>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace tesmor::platform {
+
+namespace {
+
+constexpr int REPLY_TIMEOUT_MS = 1000;
+constexpr std::size_t ACK_LENGTH = 1;
+constexpr std::size_t REPLY_LENGTH = 5;
+constexpr std::size_t MAX_INPUT_BYTES = 10;
+
+using Milliseconds = std::int64_t;
+
+Milliseconds now() noexcept
+{
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<Milliseconds>(time.tv_sec) * 1000 + time.tv_nsec / 1'000'000;
+}
+
+void putLittleEndian(std::uint32_t value, std::uint8_t* bytes) noexcept
+{
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+std::uint32_t getLittleEndian(const std::uint8_t* bytes) noexcept
+{
+    std::uint32_t value = 0;
+    for (int i = 3; i >= 0; --i)
+        value = value << 8 | bytes[i];
+    return value;
+}
+
+int connectToUnit(unsigned unit) noexcept
+{
+    const int socketFd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (socketFd < 0)
+        return -1;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    char* const name = address.sun_path + 1; // the leading 0 makes the name abstract
+    const int nameLength = std::snprintf(name, sizeof(address.sun_path) - 1, "braskdrv-%u-1010", unit);
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + nameLength);
+    if (connect(socketFd, reinterpret_cast<const sockaddr*>(&address), length) == 0)
+        return socketFd;
+    ::close(socketFd);
+    return -1;
+}
+
+bool isTrusted(int socketFd) noexcept
+{
+    ucred peer{};
+    socklen_t length = sizeof(peer);
+    return getsockopt(socketFd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
+           (peer.uid == 0 || peer.uid == geteuid());
+}
+
+} // namespace
+
+// Once the peer has gone or failed to answer in time, the link is down for good: a late reply can then never be taken
+// for another request's.
+class DriveDevice {
+public:
+    explicit DriveDevice(int socketFd) noexcept : socketFd_(socketFd) {}
+
+    ~DriveDevice()
+    {
+        shutDown();
+    }
+
+    DriveDevice(const DriveDevice&) = delete;
+    DriveDevice& operator=(const DriveDevice&) = delete;
+
+    bool control(std::uint32_t code, std::span<const std::uint8_t> input) noexcept
+    {
+        if (!send(code, input)) {
+            shutDown();
+            return false;
+        }
+        const Milliseconds deadline = now() + REPLY_TIMEOUT_MS;
+        while (const std::optional<Packet> packet = receive(deadline)) {
+            if (packet->length == REPLY_LENGTH && getLittleEndian(packet->bytes.data()) == code)
+                return packet->bytes[4] != 0;
+        }
+        shutDown();
+        return false;
+    }
+
+    bool takeAcknowledgement(std::uint32_t timeoutMs) noexcept
+    {
+        const Milliseconds deadline = now() + timeoutMs;
+        while (keptAcknowledgements_ == 0) {
+            if (!receive(deadline))
+                return false;
+        }
+        --keptAcknowledgements_;
+        return true;
+    }
+
+private:
+    struct Packet {
+        std::array<std::uint8_t, REPLY_LENGTH> bytes;
+        std::size_t length; // of the packet, also where that is more than the bytes kept
+    };
+
+    void shutDown() noexcept
+    {
+        if (socketFd_ >= 0)
+            ::close(socketFd_);
+        socketFd_ = -1;
+    }
+
+    bool send(std::uint32_t code, std::span<const std::uint8_t> input) noexcept
+    {
+        std::array<std::uint8_t, 4 + MAX_INPUT_BYTES> packet;
+        putLittleEndian(code, packet.data());
+        std::ranges::copy(input, packet.data() + 4);
+        const std::size_t length = 4 + input.size();
+        ssize_t sent;
+        do {
+            sent = ::send(socketFd_, packet.data(), length, MSG_NOSIGNAL);
+        } while (sent < 0 && errno == EINTR);
+        return sent == static_cast<ssize_t>(length);
+    }
+
+    // The next packet, acknowledgements counted; none when the deadline has passed or the peer has gone. The deadline
+    // holds for a peer that never stops sending, too.
+    std::optional<Packet> receive(Milliseconds deadline) noexcept
+    {
+        for (;;) {
+            const Milliseconds left = deadline - now();
+            pollfd readable{socketFd_, POLLIN, 0};
+            if (left <= 0 || socketFd_ < 0 || poll(&readable, 1, static_cast<int>(left)) == 0)
+                return std::nullopt;
+            Packet packet{};
+            const ssize_t received = recv(socketFd_, packet.bytes.data(), packet.bytes.size(), MSG_TRUNC);
+            if (received < 0 && (errno == EINTR || errno == EAGAIN))
+                continue;
+            if (received <= 0) {
+                shutDown();
+                return std::nullopt;
+            }
+            packet.length = static_cast<std::size_t>(received);
+            if (packet.length == ACK_LENGTH)
+                ++keptAcknowledgements_;
+            return packet;
+        }
+    }
+
+    int socketFd_;                           // -1 once the link is down
+    std::uint64_t keptAcknowledgements_ = 0; // received and not yet taken; their value means nothing
+};
+
+bool deviceExists(unsigned) noexcept
+{
+    return true;
+}
+
+DeviceHandle openDevice(unsigned unit) noexcept
+{
+    const int socketFd = connectToUnit(unit);
+    if (socketFd < 0)
+        return INVALID_DEVICE;
+    if (isTrusted(socketFd)) {
+        if (DeviceHandle device = new (std::nothrow) DriveDevice(socketFd))
+            return device;
+    }
+    ::close(socketFd);
+    return INVALID_DEVICE;
+}
+
+bool controlDevice(DeviceHandle device, std::uint32_t code, std::span<const std::uint8_t> input) noexcept
+{
+    return device != INVALID_DEVICE && device->control(code, input);
+}
+
+bool readDeviceByte(DeviceHandle device, Event* completion, std::uint32_t timeoutMs) noexcept
+{
+    if (device == INVALID_DEVICE || !completion)
+        return false;
+    completion->reset();
+    return device->takeAcknowledgement(timeoutMs) && completion->set();
+}
+
+void closeDevice(DeviceHandle device) noexcept
+{
+    delete device;
+}
+
+} // namespace tesmor::platform

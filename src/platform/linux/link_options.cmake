@@ -1,0 +1,6 @@
+# nodelete: an unload must not pull the code from under a live worker.
+target_link_options(tesmor PRIVATE
+  LINKER:--version-script=${CMAKE_CURRENT_SOURCE_DIR}/api/exports.map
+  LINKER:-z,nodelete
+  LINKER:-z,defs)
+set_property(TARGET tesmor APPEND PROPERTY LINK_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/api/exports.map)

@@ -1,0 +1,30 @@
+#include "platform/locale.h"
+
+#include <clocale>
+#include <langinfo.h>
+#include <string_view>
+
+namespace tesmor::platform {
+
+std::uint32_t ansiCodePage() noexcept
+{
+    const std::string_view characterSet = nl_langinfo(CODESET);
+    if (characterSet == "GB2312" || characterSet == "GBK")
+        return 936;
+    if (characterSet == "GB18030")
+        return 54936;
+    return 0;
+}
+
+std::uint16_t userLanguageId() noexcept
+{
+    const char* locale = std::setlocale(LC_CTYPE, nullptr);
+    const std::string_view name = locale ? locale : "";
+    if (name.starts_with("zh_CN"))
+        return 2052;
+    if (name.starts_with("zh_SG"))
+        return 4100;
+    return 0;
+}
+
+} // namespace tesmor::platform

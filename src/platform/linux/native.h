@@ -1,0 +1,27 @@
+// What the seam's objects are made of on Linux.
+#pragma once
+
+#include <pthread.h>
+
+namespace tesmor::platform {
+
+using NativeLock = pthread_mutex_t;
+
+struct NativeEvent {
+    pthread_mutex_t mutex;
+    pthread_cond_t changed;
+    bool automatic;
+    bool signalled;
+};
+
+struct NativeThread;
+
+struct NativePriority {
+    bool lowered;
+    int policy;
+};
+
+// The library's own module, as the loader knows it.
+using ModuleHandle = void*;
+
+} // namespace tesmor::platform
