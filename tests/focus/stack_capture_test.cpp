@@ -1,0 +1,135 @@
+#include "focus/stack_capture.h"
+
+#include "api/result_codes.h"
+#include "drive/focus_drive.h"
+#include "support/call_recorder.h"
+#include "support/library_test.h"
+#include "support/scripted_clock.h"
+#include "support/scripted_device.h"
+#include "support/video_thread.h"
+
+#include <memory>
+
+namespace tesmor::test {
+
+namespace {
+
+class Stack : public LibraryTest {
+protected:
+    Stack()
+    {
+        device.reset();
+        device.existingUnits = device.openingUnits = {0};
+        library.commandBlock.command = CMD_STACK;
+        library.commandBlock.frameCallback = CallRecorder::onFrame;
+        library.commandBlock.context = &recorder;
+        library.runFlag = 1;
+    }
+
+    ~Stack() override
+    {
+        clockSpeed = 1;
+    }
+
+    void capture(std::uint16_t magnification, std::uint16_t count, std::int32_t spacing, bool notifyOnly = false)
+    {
+        captureStack(magnification, count, spacing, notifyOnly, CallRecorder::onFrame, &recorder);
+        EXPECT_FALSE(device.isOpen());
+    }
+
+    CallRecorder recorder;
+};
+
+TEST_F(Stack, MovesThenTakesAFrameAndDrivesBack)
+{
+    VideoThread video(16, 16);
+    const Call slice{video.frame(), 16, 16, SUCCESS};
+    std::vector<std::size_t> movesBeforeFrame;
+    recorder.then = [&](const Call&) { movesBeforeFrame.push_back(device.moves().size()); };
+    capture(10, 3, 5);
+    EXPECT_EQ(device.moves(), (std::vector{600, 600, 600, -600, -600, -600}));
+    EXPECT_EQ(recorder.calls(), (std::vector{slice, slice, slice, report(STACK_DONE)}));
+    EXPECT_EQ(movesBeforeFrame, (std::vector<std::size_t>{1, 2, 3, 6}));
+}
+
+TEST_F(Stack, StepsByMagnificationAndSpacing)
+{
+    struct Case {
+        std::uint16_t magnification;
+        std::int32_t spacing;
+        std::int32_t out, back;
+    };
+    const Case cases[] = {
+        {4, 1, 200, -200}, {20, -1, -96, 96},     {40, 2, 96, -96},        {60, 1, 48, -48},
+        {100, 1, 48, -48}, {80, 1, 100, -100},    {4, 400, 14464, -14464}, {10, 0, 0, 0},
+        {7, 3, 300, -300}, {4, 0x40000000, 0, 0}, {10, INT32_MIN, 0, 0},
+    };
+    for (const Case& c : cases) {
+        const std::size_t before = device.moves().size();
+        capture(c.magnification, 1, c.spacing, true);
+        EXPECT_EQ(device.moves().at(before), c.out) << c.magnification << ", " << c.spacing;
+        EXPECT_EQ(device.moves().at(before + 1), c.back) << c.magnification << ", " << c.spacing;
+    }
+}
+
+TEST_F(Stack, NotifyOnlyTellsOfEachMoveAndCannotBeCancelled)
+{
+    recorder.then = [](const Call&) { library.runFlag = 0; };
+    capture(10, 3, 1, true);
+    EXPECT_EQ(recorder.calls(), (std::vector{report(0), report(0), report(0), report(STACK_DONE)}));
+    EXPECT_EQ(device.position(), 0);
+}
+
+TEST_F(Stack, OfNoSlicesOpensAndClosesTheDrive)
+{
+    capture(10, 0, 1);
+    EXPECT_EQ(recorder.calls(), std::vector{report(STACK_DONE)});
+    EXPECT_EQ(device.log().size(), 5u) << "exists, open, open request, close request, close";
+}
+
+TEST_F(Stack, ReportsOneFailureAndStaysWhereItIs)
+{
+    clockSpeed = 50;
+    device.openingUnits.clear();
+    capture(10, 2, 1);
+    device.openingUnits = {0};
+    capture(10, 2, 1);
+    EXPECT_EQ(device.moves(), std::vector{120});
+    library.runFlag = 1;
+    device.goodMoves = 2; // one was made already
+    device.refusals = 5;
+    capture(10, 2, 1, true);
+    EXPECT_EQ(device.moves(), (std::vector{120, 120}));
+    device.missingAcks = 5;
+    device.goodMoves = 4;
+    capture(10, 2, 1, true);
+    EXPECT_EQ(device.moves(), (std::vector{120, 120, 120, 120, -120}));
+    EXPECT_EQ(recorder.calls(), (std::vector{report(NO_DRIVE), report(NO_FRAME), report(0), report(MOVE_FAILED),
+                                             report(0), report(0), report(MOVE_FAILED)}));
+}
+
+TEST_F(Stack, CancelledAtTheSecondFrame)
+{
+    VideoThread video(16, 16);
+    recorder.then = [&](const Call& call) {
+        if (call.image && recorder.calls().size() == 2)
+            library.runFlag = 0;
+    };
+    capture(10, 5, 1);
+    EXPECT_EQ(device.moves(), (std::vector{120, 120}));
+    EXPECT_EQ(recorder.calls().back(), report(ABORTED));
+}
+
+TEST_F(Stack, IsStillConnectedWhileItReportsAndClosesTheDriveOfAManualMove)
+{
+    library.manualDrive = std::make_unique<FocusDrive>();
+    bool openInside = false;
+    recorder.then = [&](const Call&) { openInside = device.isOpen(); };
+    capture(10, 0, 1);
+    EXPECT_TRUE(openInside);
+    EXPECT_EQ(library.manualDrive, nullptr);
+}
+
+} // namespace
+
+} // namespace tesmor::test

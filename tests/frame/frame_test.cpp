@@ -1,0 +1,134 @@
+// The exchange of a frame between the hook and the wait.
+#include "api/result_codes.h"
+#include "frame/focus_measure.h"
+#include "frame/frame_hook.h"
+#include "frame/frame_wait.h"
+#include "support/call_recorder.h"
+#include "support/library_test.h"
+#include "support/scripted_clock.h"
+#include "support/video_thread.h"
+
+namespace tesmor::test {
+
+namespace {
+
+class Frames : public LibraryTest {
+protected:
+    Frames()
+    {
+        library.commandBlock.context = &recorder;
+        library.commandBlock.frameCallback = CallRecorder::onFrame;
+        library.runFlag = 1;
+    }
+
+    ~Frames() override
+    {
+        clockSpeed = 1;
+    }
+
+    CallRecorder recorder;
+    const std::vector<std::uint8_t> frame = std::vector<std::uint8_t>(16 * 16 * 3, 9);
+};
+
+TEST_F(Frames, AnUnaskedFrameTouchesNothing)
+{
+    library.commandBlock.command = CMD_CAPTURE;
+    library.frameEvent.reset();
+    handleFrame(frame.data(), 16, 16);
+    EXPECT_TRUE(recorder.calls().empty());
+    EXPECT_FALSE(library.frameEvent.waitFor(0));
+}
+
+TEST_F(Frames, ARequestIsServedOnceAndSignalledAfterTheCallback)
+{
+    for (const CommandCode command : {CMD_CAPTURE, CMD_STACK}) {
+        CallRecorder captured;
+        bool signalledInside = true;
+        captured.then = [&](const Call&) { signalledInside = library.frameEvent.waitFor(0); };
+        library.commandBlock.command = command;
+        library.commandBlock.context = &captured;
+        library.frameEvent.reset();
+        library.frameRequest = 1;
+        handleFrame(frame.data(), 16, 16);
+        handleFrame(frame.data(), 16, 16);
+        EXPECT_EQ(captured.calls(), (std::vector{Call{frame.data(), 16, 16, SUCCESS}}));
+        EXPECT_FALSE(signalledInside);
+        EXPECT_TRUE(library.frameEvent.waitFor(0));
+    }
+}
+
+TEST_F(Frames, AnAutofocusFrameIsMeasured)
+{
+    std::vector<std::uint8_t> checkered = frame;
+    checkered[(8 * 16 + 8) * 3] = 200;
+    library.commandBlock.command = CMD_AUTOFOCUS;
+    library.commandBlock.magnification = 40;
+    library.frameRequest = 1;
+    handleFrame(checkered.data(), 16, 16);
+    EXPECT_GT(library.commandBlock.focusValue, 0.0);
+    EXPECT_EQ(library.commandBlock.focusValue, measureFocus(checkered.data(), 16, 16, 40, library.lumaTables));
+    EXPECT_TRUE(library.frameEvent.waitFor(0));
+    EXPECT_TRUE(recorder.calls().empty());
+}
+
+TEST_F(Frames, AFrameForNoCommandTakesTheRequestAndSignalsNothing)
+{
+    library.commandBlock.command = CMD_IDLE;
+    library.frameEvent.reset();
+    library.frameRequest = 1;
+    handleFrame(frame.data(), 16, 16);
+    EXPECT_EQ(library.frameRequest, 0);
+    EXPECT_FALSE(library.frameEvent.waitFor(0));
+}
+
+TEST_F(Frames, TheWaitEndsWithTheNextFrame)
+{
+    library.commandBlock.command = CMD_CAPTURE;
+    VideoThread video(16, 16);
+    EXPECT_EQ(waitForFrame(), SUCCESS);
+    EXPECT_EQ(recorder.calls(), (std::vector{Call{video.frame(), 16, 16, SUCCESS}}));
+    EXPECT_EQ(library.runFlag, 1);
+}
+
+TEST_F(Frames, TheWaitTakesNoSignalFromBefore)
+{
+    clockSpeed = 50;
+    library.frameEvent.set();
+    EXPECT_EQ(waitForFrame(), NO_FRAME);
+    EXPECT_EQ(library.runFlag, 0);
+    EXPECT_EQ(library.frameRequest, 0);
+    EXPECT_EQ(waitForFrame(), ABORTED) << "a time-out ends the whole command";
+}
+
+TEST_F(Frames, TheWaitGivesUpOnlyAfterMoreThanFourSeconds)
+{
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(waitForFrame(), NO_FRAME);
+    EXPECT_GT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(4000));
+}
+
+TEST_F(Frames, TheWaitIsAbortedAtOnceOrMeanwhileOrInTheCallback)
+{
+    library.runFlag = 0;
+    EXPECT_EQ(waitForFrame(), ABORTED);
+    EXPECT_EQ(library.frameRequest, 0);
+
+    library.runFlag = 1;
+    std::jthread aborter([] {
+        eventually([] { return library.frameRequest == 1; });
+        library.runFlag = 0;
+    });
+    EXPECT_EQ(waitForFrame(), ABORTED);
+    EXPECT_EQ(library.frameRequest, 0);
+
+    library.runFlag = 1;
+    library.commandBlock.command = CMD_CAPTURE;
+    recorder.then = [](const Call&) { library.runFlag = 0; };
+    VideoThread video(16, 16);
+    EXPECT_EQ(waitForFrame(), ABORTED) << "although a frame was delivered";
+    EXPECT_EQ(recorder.calls().size(), 1u);
+}
+
+} // namespace
+
+} // namespace tesmor::test

@@ -1,0 +1,185 @@
+// The library's end of the drive link, packet by packet.
+#include "platform/drive_device.h"
+#include "platform_linux/raw_service.h"
+#include "support/library_test.h"
+
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/wait.h>
+
+namespace tesmor::test {
+
+namespace {
+
+using namespace platform;
+using std::chrono::steady_clock;
+
+constexpr std::uint32_t CODE = 0x222059;
+const Packet INPUT{0, 2, 0, 0, 0xD1, 0, 0x60, 0x80, 0x80, 0x0C};
+const Packet ACCEPTED{0x59, 0x20, 0x22, 0, 1};
+const Packet REFUSED{0x59, 0x20, 0x22, 0, 0};
+const Packet ACK{0};
+
+class DriveLink : public ::testing::Test {
+protected:
+    DriveLink()
+    {
+        device = openDevice(unit);
+        service.acceptClient();
+    }
+
+    ~DriveLink() override
+    {
+        if (device != INVALID_DEVICE)
+            closeDevice(device);
+    }
+
+    bool control()
+    {
+        return controlDevice(device, CODE, INPUT);
+    }
+
+    bool readAck(std::uint32_t timeoutMs = 0)
+    {
+        return readDeviceByte(device, &completion, timeoutMs);
+    }
+
+    void expectLinkDown()
+    {
+        const auto start = steady_clock::now();
+        EXPECT_FALSE(control());
+        EXPECT_FALSE(readAck(1500));
+        EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(500));
+    }
+
+    // Not one of the sixteen, so that nobody else has it.
+    const unsigned unit = 1000 + static_cast<unsigned>(getpid());
+    RawService service{unit};
+    DeviceHandle device;
+    Event completion{Reset::manual, false};
+};
+
+TEST_F(DriveLink, SendsAControlRequestToTheByteAndTakesItsReply)
+{
+    service.send(ACCEPTED);
+    EXPECT_TRUE(control());
+    EXPECT_EQ(service.receive(), (Packet{0x59, 0x20, 0x22, 0, 0, 2, 0, 0, 0xD1, 0, 0x60, 0x80, 0x80, 0x0C}));
+    service.send(REFUSED);
+    EXPECT_FALSE(control());
+    service.send({0x59, 0x20, 0x22, 0, 0xFF});
+    EXPECT_TRUE(control()) << "any value but 0 accepts, and a refusal leaves the link up";
+}
+
+TEST_F(DriveLink, KeepsAcknowledgementsAndIgnoresTheRest)
+{
+    for (const Packet& packet :
+         {ACK, Packet{1, 2}, Packet(4), Packet(6), Packet(4000), Packet{0x35, 0x20, 0x22, 0, 0}, Packet{7}, ACCEPTED})
+        service.send(packet);
+    EXPECT_TRUE(control());
+    EXPECT_TRUE(readAck());
+    EXPECT_TRUE(completion.waitFor(0));
+    EXPECT_TRUE(readAck());
+    EXPECT_FALSE(readAck(1));
+    EXPECT_FALSE(completion.waitFor(0));
+    service.send(ACCEPTED); // nobody asked
+    service.send(ACK);
+    EXPECT_TRUE(readAck(1500));
+    EXPECT_FALSE(readDeviceByte(device, nullptr, 0)) << "without an event every read fails";
+}
+
+TEST_F(DriveLink, AServiceThatHangsCostsASecondAndTheLink)
+{
+    const auto start = steady_clock::now();
+    EXPECT_FALSE(control());
+    const auto taken = steady_clock::now() - start;
+    EXPECT_GE(taken, std::chrono::milliseconds(1000));
+    EXPECT_LT(taken, std::chrono::milliseconds(3000));
+    EXPECT_TRUE(service.receive().has_value());
+    EXPECT_EQ(service.receive(), Packet{}) << "the client has left";
+    expectLinkDown();
+}
+
+TEST_F(DriveLink, AServiceThatOnlyTalksCostsASecondToo)
+{
+    std::atomic<bool> stop{false};
+    std::jthread chatter([&] {
+        while (!stop)
+            service.send({1, 2, 3});
+    });
+    const auto start = steady_clock::now();
+    EXPECT_FALSE(control());
+    EXPECT_FALSE(readAck(50));
+    EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(3000));
+    stop = true;
+    closeDevice(device);
+    device = INVALID_DEVICE;
+}
+
+TEST_F(DriveLink, AServiceThatDiesIsNoticedWithoutASignal)
+{
+    service.send(ACK);
+    service.vanish();
+    EXPECT_FALSE(control());
+    expectLinkDown();
+}
+
+TEST_F(DriveLink, AServiceThatDiesDuringAReadEndsTheRead)
+{
+    std::jthread death([&] { service.vanish(); });
+    EXPECT_FALSE(readAck(1500));
+    death.join();
+    expectLinkDown();
+}
+
+TEST_F(DriveLink, NoDescriptorSurvivesAnExec)
+{
+    int sockets = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code error;
+        if (!std::filesystem::read_symlink(entry, error).string().starts_with("socket:"))
+            continue;
+        ++sockets;
+        EXPECT_TRUE(fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC);
+    }
+    EXPECT_GE(sockets, 3) << "listener and both ends";
+}
+
+TEST(DriveLinkPeer, NobodyThereIsNoDevice)
+{
+    EXPECT_EQ(openDevice(2000 + static_cast<unsigned>(getpid())), INVALID_DEVICE);
+    EXPECT_FALSE(controlDevice(INVALID_DEVICE, CODE, INPUT));
+    Event completion{Reset::manual, false};
+    EXPECT_FALSE(readDeviceByte(INVALID_DEVICE, &completion, 1500));
+}
+
+TEST(DriveLinkPeer, AServiceOfAnotherUserIsPassedOver)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can start a service as another user";
+    const unsigned unit = 3000 + static_cast<unsigned>(getpid());
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (setuid(65534) != 0)
+            _exit(1);
+        RawService service(unit);
+        const char byte = 0;
+        if (write(ready[1], &byte, 1) != 1)
+            _exit(1);
+        service.acceptClient();
+        _exit(service.receive() == Packet{} ? 0 : 1);
+    }
+    char byte;
+    ASSERT_EQ(read(ready[0], &byte, 1), 1);
+    EXPECT_EQ(openDevice(unit), INVALID_DEVICE);
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0) << "the service has seen the client leave at once";
+    close(ready[0]);
+    close(ready[1]);
+}
+
+} // namespace
+
+} // namespace tesmor::test

@@ -1,0 +1,52 @@
+// Takes the place of the platform's drive device: answers as a test tells it to and writes down all that it is asked.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tesmor::test {
+
+// The log's lines: "exists U", "open U", "request HEX", "reset", "read MS", "sleep MS", "close".
+class ScriptedDevice {
+public:
+    static constexpr std::size_t NEVER = SIZE_MAX;
+
+    // Everything as new: no unit, no faults, an empty log.
+    void reset();
+
+    void record(const std::string& line);
+    std::vector<std::string> log() const;
+
+    // The moves that were accepted, as signed steps; a reverse move of 0 steps is 0.
+    std::vector<std::int32_t> moves() const;
+    std::int64_t position() const;
+    bool isOpen() const;
+
+    std::set<unsigned> existingUnits;
+    std::set<unsigned> openingUnits;
+    bool refuseOpenRequest = false;
+    std::size_t goodMoves = NEVER; // so many moves work first,
+    int refusals = 0;              // then so many sends are refused,
+    int missingAcks = 0;           // and then so many acknowledgements stay away
+
+    // Called by the seam.
+    bool open(unsigned unit);
+    bool control(std::uint32_t code, const std::vector<std::uint8_t>& input);
+    bool readByte(std::uint32_t timeoutMs);
+    void close();
+
+private:
+    bool acceptMove(std::uint16_t direction, std::uint16_t steps);
+
+    mutable std::recursive_mutex mutex_;
+    std::vector<std::string> log_;
+    std::vector<std::int32_t> moves_;
+    bool isOpen_ = false;
+};
+
+inline ScriptedDevice device;
+
+} // namespace tesmor::test
