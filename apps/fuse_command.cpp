@@ -1,0 +1,175 @@
+#include "fuse_command.h"
+
+#include "fusion_job.h"
+#include "image_files.h"
+#include "interrupt.h"
+#include "memory.h"
+#include "output_file.h"
+#include "progress_bar.h"
+#include "subcommand.h"
+#include "tesmor.h"
+#include "text.h"
+
+#include <QColorSpace>
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <vector>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr int MOST_IMAGES = 128;
+constexpr int LEAST_SIDE = 2; // pixels
+
+constexpr const char* DESCRIPTION =
+    "Merges photographs of one field, taken at different focus, into one image that is sharp throughout.\n\n"
+    "IMAGE... are 1 to 128 PNG, JPEG, TIFF or BMP files of one size. They should show the field without a shift;\n"
+    "their order does not matter. Transparency is dropped, 16-bit images are reduced to 8 bits, and an orientation\n"
+    "noted in the file is applied.\n\n"
+    "Example:\n"
+    "  tesmor fuse -o sharp.png slices/*.png\n\n"
+    "Ctrl-C ends the run and leaves the output file as it was. Exit status: 0 done, 1 failed, 2 wrong usage,\n"
+    "130 stopped.";
+
+struct Request {
+    QStringList files;
+    QString output;
+    bool quiet;
+};
+
+// None when the help was asked for, and printed.
+std::optional<Request> parseArguments(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(DESCRIPTION);
+    parser.addPositionalArgument("IMAGE", "The images to merge.", "IMAGE...");
+    parser.addOptions({
+        {{"o", "output"}, "Write to OUT, in the format of its name. An older OUT is replaced.", "OUT", "fused.png"},
+        {{"q", "quiet"}, "Say nothing but errors."},
+        {{"h", "help"}, "Show this help."},
+    });
+    if (!parser.parse(arguments))
+        throw UsageError(parser.errorText().chopped(parser.errorText().endsWith('.') ? 1 : 0));
+    if (parser.isSet("help")) {
+        std::fputs(qPrintable(parser.helpText()), stdout);
+        return std::nullopt;
+    }
+    if (parser.positionalArguments().isEmpty())
+        throw UsageError("no images named");
+    return Request{parser.positionalArguments(), parser.value("output"), parser.isSet("quiet")};
+}
+
+// The size that all images share.
+QSize checkImages(const QStringList& files)
+{
+    if (files.size() > MOST_IMAGES)
+        throw UserError(QString("%1 images are too many; name at most %2").arg(files.size()).arg(MOST_IMAGES));
+    const QString& first = files.first();
+    const QSize size = readImageSize(first);
+    if (std::min(size.width(), size.height()) < LEAST_SIDE)
+        throw UserError(QString("%1: has only %2 pixels; 2 x 2 are the least").arg(first, sizeText(size)));
+    for (const QString& file : files) {
+        const QSize other = readImageSize(file);
+        if (other != size)
+            throw UserError(QString("%1: has %2 pixels, but %3 has %4; images of one size can be merged")
+                                .arg(file, sizeText(other), first, sizeText(size)));
+    }
+    return size;
+}
+
+void checkOutput(const Request& request, QSize size)
+{
+    const QString output = QFileInfo(request.output).canonicalFilePath();
+    for (const QString& file : request.files) {
+        if (!output.isEmpty() && QFileInfo(file).canonicalFilePath() == output)
+            throw UserError(request.output + ": is one of the images; choose another name with -o");
+    }
+    checkOutputFile(request.output, size);
+}
+
+UserError memoryError(std::uint64_t needed)
+{
+    return UserError(
+        QString("not enough memory, about %1 are needed; close other programs, or merge fewer or smaller images")
+            .arg(memoryText(needed)));
+}
+
+void checkMemory(std::uint64_t needed)
+{
+    const auto available = availableMemory();
+    if (available && needed > *available)
+        throw memoryError(needed);
+}
+
+std::vector<QImage> readImages(const QStringList& files, QSize size, ProgressBar::Style style)
+{
+    ProgressBar bar("Reading", style);
+    std::vector<QImage> images;
+    for (const QString& file : files) {
+        bar.show(static_cast<int>(100 * images.size() / static_cast<std::size_t>(files.size())));
+        images.push_back(readFrame(file, size));
+    }
+    return images;
+}
+
+// Keeps the scale and the colour profile of the first image.
+QImage makeOutput(const QImage& first)
+{
+    QImage output(first.size(), QImage::Format_BGR888);
+    if (output.isNull())
+        throw std::bad_alloc();
+    output.setDotsPerMeterX(first.dotsPerMeterX());
+    output.setDotsPerMeterY(first.dotsPerMeterY());
+    output.setColorSpace(first.colorSpace());
+    return output;
+}
+
+int fuse(const Request& request)
+{
+    const QSize size = checkImages(request.files);
+    const std::uint64_t memory = fusionMemory(size, static_cast<std::size_t>(request.files.size()));
+    checkOutput(request, size);
+    if (!request.quiet) {
+        std::printf("Merging %d images of %s pixels; this takes about %s of memory.\n",
+                    static_cast<int>(request.files.size()), qPrintable(sizeText(size)), qPrintable(memoryText(memory)));
+        std::fflush(stdout);
+    }
+    checkMemory(memory);
+
+    const ProgressBar::Style style = ProgressBar::styleOfOutput(request.quiet);
+    ProgressBar total({}, ProgressBar::Style::SILENT);
+    const std::vector<QImage> images = readImages(request.files, size, style);
+    QImage output = makeOutput(images.front());
+    std::int32_t result = TESMOR_SUCCESS;
+    {
+        const LibrarySession session;
+        ProgressBar bar("Merging", style);
+        result = mergeImages(images, output, bar);
+    }
+    if (result == TESMOR_NO_MEMORY)
+        throw memoryError(memory);
+    if (result == TESMOR_ABORTED)
+        throw Interrupted();
+    writeOutputFile(request.output, output);
+    if (!request.quiet)
+        std::printf("Wrote %s after %s.\n", qPrintable(request.output), qPrintable(durationText(total.elapsed())));
+    return STATUS_DONE;
+}
+
+} // namespace
+
+int runFuse(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    installInterruptHandler();
+    const auto request = parseArguments(QCoreApplication::arguments());
+    return request ? fuse(*request) : STATUS_DONE;
+}
+
+} // namespace tesmor::apps

@@ -1,0 +1,33 @@
+// Merges images through the library, as any host does it, with a progress bar and an end to it on interruption.
+#pragma once
+
+#include "progress_bar.h"
+
+#include <QImage>
+
+#include <cstdint>
+#include <vector>
+
+namespace tesmor::apps {
+
+// The library's worker runs as long as this lives. One at a time. Throws UserError when there is no thread to be had.
+class LibrarySession {
+public:
+    LibrarySession();
+    ~LibrarySession();
+    LibrarySession(const LibrarySession&) = delete;
+    LibrarySession& operator=(const LibrarySession&) = delete;
+};
+
+// Bytes that a run needs in all: the fusion's own memory, the images and the output.
+std::uint64_t fusionMemory(QSize size, std::size_t imageCount);
+
+// Within a LibrarySession.
+//   images   at most 128, all of output's size and of format BGR888, at least 2 x 2 pixels
+//   output   of format BGR888; untouched unless the result is TESMOR_SUCCESS
+//   bar      follows the progress
+// Returns TESMOR_SUCCESS, TESMOR_NO_MEMORY or, after an interruption, TESMOR_ABORTED. When the library does not end within
+// a second of an interruption, it is not waited for: the program ends here with status 130.
+std::int32_t mergeImages(const std::vector<QImage>& images, QImage& output, ProgressBar& bar);
+
+} // namespace tesmor::apps

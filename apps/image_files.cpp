@@ -1,0 +1,69 @@
+#include "image_files.h"
+
+#include "subcommand.h"
+#include "text.h"
+
+#include <QFileInfo>
+#include <QImageReader>
+
+namespace tesmor::apps {
+
+namespace {
+
+void requireReadableFile(const QString& file)
+{
+    const QFileInfo info(file);
+    if (!info.exists())
+        throw UserError(file + ": does not exist; check the name");
+    if (info.isDir())
+        throw UserError(file + ": is a folder; name the images in it, as in " + file + "/*.png");
+    if (!info.isFile())
+        throw UserError(file + ": is no regular file; copy the image to one");
+    if (!QFile(file).open(QIODevice::ReadOnly))
+        throw UserError(file + ": cannot be read; check its permissions");
+}
+
+// Throws unless the file is an image of a known format.
+void open(QImageReader& reader, const QString& file)
+{
+    requireReadableFile(file);
+    QImageReader::setAllocationLimit(0); // the caller compares with the memory that there is
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    reader.setFileName(file);
+    if (!QList<QByteArray>{"png", "jpg", "jpeg", "tif", "tiff", "bmp"}.contains(reader.format()))
+        throw UserError(file + ": is no PNG, JPEG, TIFF or BMP image; convert it, or leave it out");
+    if (reader.imageCount() > 1)
+        throw UserError(QString("%1: holds %2 images; save each as a file of its own")
+                            .arg(file, QString::number(reader.imageCount())));
+}
+
+} // namespace
+
+QSize readImageSize(const QString& file)
+{
+    QImageReader reader;
+    open(reader, file);
+    const QSize size = reader.size();
+    if (size.isEmpty())
+        throw UserError(file + ": is damaged; copy or save it anew");
+    return reader.transformation() & QImageIOHandler::TransformationRotate90 ? size.transposed() : size;
+}
+
+QImage readFrame(const QString& file, QSize size)
+{
+    QImageReader reader;
+    open(reader, file);
+    QImage image = reader.read();
+    if (image.isNull())
+        throw UserError(QString("%1: is damaged (%2); copy or save it anew").arg(file, reader.errorString()));
+    if (image.size() != size)
+        throw UserError(QString("%1: has changed from %2 to %3 pixels meanwhile; start again")
+                            .arg(file, sizeText(size), sizeText(image.size())));
+    image.convertTo(QImage::Format_BGR888);
+    if (image.isNull())
+        throw std::bad_alloc();
+    return image;
+}
+
+} // namespace tesmor::apps

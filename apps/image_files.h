@@ -1,0 +1,18 @@
+// Reads images: PNG, JPEG, TIFF and BMP, by their content. All functions throw UserError, which names the file and the
+// remedy.
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+namespace tesmor::apps {
+
+// From the header alone. The size as it is to be seen: an orientation given in the file is applied.
+QSize readImageSize(const QString& file);
+
+// The image in the library's frame layout (QImage::Format_BGR888): constBits() is a frame. Transparency is dropped, 16-bit
+// channels become 8-bit. It must have the given size, which readImageSize told before.
+QImage readFrame(const QString& file, QSize size);
+
+} // namespace tesmor::apps

@@ -1,0 +1,18 @@
+// The image file that a subcommand writes. Both functions throw UserError, which names the file and the remedy, and
+// Interrupted (see interrupt.h).
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+namespace tesmor::apps {
+
+// Finds out before the work whether the result can be written: format, folder, permissions. Leaves nothing behind.
+void checkOutputFile(const QString& file, QSize size);
+
+// In the format of the file's name. The file appears, or replaces an older one, only when it is complete; after a failure
+// or an interruption nothing has changed.
+void writeOutputFile(const QString& file, const QImage& image);
+
+} // namespace tesmor::apps

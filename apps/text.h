@@ -1,0 +1,21 @@
+// Numbers as the user reads them.
+#pragma once
+
+#include <QSize>
+#include <QString>
+
+#include <chrono>
+#include <cstdint>
+
+namespace tesmor::apps {
+
+// "1200 x 675"
+QString sizeText(QSize size);
+
+// "133 MB", "1.5 GB"; powers of 1000
+QString memoryText(std::uint64_t bytes);
+
+// "0:07", "1:02:45"; whole seconds, cut
+QString durationText(std::chrono::duration<double> duration);
+
+} // namespace tesmor::apps
