@@ -158,7 +158,7 @@ int fuse(const Request& request)
         throw Interrupted();
     writeOutputFile(request.output, output);
     if (!request.quiet)
-        std::printf("Wrote %s after %s.\n", qPrintable(request.output), qPrintable(durationText(total.elapsed())));
+        std::printf("Wrote %s in %s.\n", qPrintable(request.output), qPrintable(durationText(total.elapsed())));
     return STATUS_DONE;
 }
 

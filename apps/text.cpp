@@ -19,9 +19,11 @@ QString memoryText(std::uint64_t bytes)
 QString durationText(std::chrono::duration<double> duration)
 {
     const auto seconds = static_cast<std::int64_t>(duration.count());
-    const QString minutesAndSeconds = QString("%1:%2").arg(seconds / 60 % 60, seconds < 3600 ? 0 : 2, 10, QChar('0'));
-    const QString text = minutesAndSeconds.arg(seconds % 60, 2, 10, QChar('0'));
-    return seconds < 3600 ? text : QString("%1:%2").arg(seconds / 3600).arg(text);
+    if (seconds < 60)
+        return QString("%1 s").arg(seconds);
+    if (seconds < 3600)
+        return QString("%1 min %2 s").arg(seconds / 60).arg(seconds % 60);
+    return QString("%1 h %2 min").arg(seconds / 3600).arg(seconds / 60 % 60);
 }
 
 } // namespace tesmor::apps

@@ -15,7 +15,7 @@ QString sizeText(QSize size);
 // "133 MB", "1.5 GB"; powers of 1000
 QString memoryText(std::uint64_t bytes);
 
-// "0:07", "1:02:45"; whole seconds, cut
+// "7 s", "2 min 45 s", "1 h 2 min"; cut, not rounded
 QString durationText(std::chrono::duration<double> duration);
 
 } // namespace tesmor::apps
