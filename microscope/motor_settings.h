@@ -1,0 +1,14 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tesmor::microscope {
+
+struct MotorSettings {
+    double stepsPerSecond = 25600; // 0: moves take no time
+    std::int64_t backlash = 0;     // steps that turn nothing after each change of direction
+    std::int64_t lowEnd = -400000; // end stops, motor steps; a move ends there and its other steps are lost
+    std::int64_t highEnd = 400000;
+};
+
+} // namespace tesmor::microscope

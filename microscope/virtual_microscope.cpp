@@ -1,0 +1,212 @@
+#include "microscope/virtual_microscope.h"
+
+#include "microscope/acknowledgement_gate.h"
+#include "microscope/best_focus.h"
+#include "microscope/camera.h"
+#include "microscope/drive_controller.h"
+#include "microscope/drive_service.h"
+#include "microscope/motor.h"
+#include "microscope/optics.h"
+#include "microscope/photo_scene.h"
+#include "microscope/random.h"
+#include "microscope/sensor.h"
+#include "microscope/view.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <utility>
+
+namespace tesmor::microscope {
+
+namespace {
+
+void require(bool holds, const char* message)
+{
+    if (!holds)
+        throw std::invalid_argument(message);
+}
+
+Settings checked(Settings settings)
+{
+    require(findObjective(settings.magnification), "magnification must be 4, 10, 20, 40, 60, 80 or 100");
+    require(settings.unit < 16, "unit must be 0 to 15");
+    require(settings.framesPerSecond >= 0, "frames per second must not be negative");
+    require(settings.noise >= 0 && settings.noise <= 20, "noise must be 0 to 20 grey levels");
+    require(settings.droppedFrames >= 0 && settings.droppedFrames <= 1, "dropped frames must be 0 to 1");
+    require(settings.timeScale >= 0, "time scale must not be negative");
+    require(settings.motor.stepsPerSecond >= 0, "motor speed must not be negative");
+    require(settings.motor.backlash >= 0, "backlash must not be negative");
+    require(settings.motor.lowEnd <= settings.motor.highEnd, "the low end stop must not lie above the high one");
+    if (settings.photos && !settings.photos->images.empty()) {
+        settings.width = settings.photos->images.front().width;
+        settings.height = settings.photos->images.front().height;
+    }
+    require(settings.width >= 64 && settings.width <= 16384, "frame width must be 64 to 16384 pixels");
+    require(settings.height >= 64 && settings.height <= 16384, "frame height must be 64 to 16384 pixels");
+    return settings;
+}
+
+// Seeds that differ, of things that are to differ.
+enum : std::uint64_t { SPECIMEN_SEED = 1, NOISE_SEED, DROP_SEED };
+
+std::uint64_t seedOf(const Settings& settings, std::uint64_t thing)
+{
+    return scramble(settings.seed * 3 + thing);
+}
+
+} // namespace
+
+struct VirtualMicroscope::Parts {
+    explicit Parts(Settings given)
+        : settings(checked(std::move(given))), objective(*findObjective(settings.magnification)), scene(makeScene()),
+          motor(settings.motor, TimeScale{settings.timeScale}, std::llround(best) + settings.startOffset),
+          sensor(seedOf(settings, NOISE_SEED), settings.photos ? 0 : settings.noise), controller(motor, gate),
+          service(controller, settings.unit), camera({seedOf(settings, DROP_SEED), settings.framesPerSecond,
+                                                      settings.droppedFrames, TimeScale{settings.timeScale}},
+                                                     *scene, sensor, motor, gate)
+    {
+        controller.setFaults(settings.faults);
+    }
+
+    // Fills in specimen, best and truth too.
+    std::unique_ptr<Scene> makeScene()
+    {
+        if (settings.photos) {
+            auto photos = std::make_unique<PhotoScene>(std::move(*settings.photos));
+            best = findBestPlane(*photos, settings.magnification);
+            return photos;
+        }
+        specimen = makeSpecimen(seedOf(settings, SPECIMEN_SEED), objective, settings.width, settings.height);
+        auto optics = std::make_unique<Optics>(specimen, objective);
+        truth = sharpView(*optics);
+        best = findBestFocus(*optics, specimen, objective);
+        return optics;
+    }
+
+    Settings settings;
+    const Objective objective;
+    Specimen specimen;
+    double best = 0;
+    Image truth;
+    const std::unique_ptr<Scene> scene;
+    Motor motor;
+    AcknowledgementGate gate;
+    const Sensor sensor;
+    DriveController controller;
+    DriveService service;
+    Camera camera;
+    bool started = false;
+};
+
+VirtualMicroscope::VirtualMicroscope(Settings settings) : parts_(std::make_unique<Parts>(std::move(settings))) {}
+
+VirtualMicroscope::~VirtualMicroscope()
+{
+    stop();
+}
+
+void VirtualMicroscope::start(FrameSink sink)
+{
+    if (parts_->started)
+        return;
+    parts_->controller.clearLog();
+    parts_->controller.reappear();
+    parts_->service.start();
+    parts_->camera.start(std::move(sink));
+    parts_->started = true;
+}
+
+void VirtualMicroscope::stop() noexcept
+{
+    parts_->service.stop();
+    parts_->camera.stop();
+    parts_->started = false;
+}
+
+void VirtualMicroscope::deliverFrame()
+{
+    parts_->camera.deliverFrame();
+}
+
+Image VirtualMicroscope::view(std::int64_t position) const
+{
+    return noiselessView(*parts_->scene, static_cast<double>(position));
+}
+
+std::int64_t VirtualMicroscope::position() const
+{
+    return parts_->motor.position(Clock::now());
+}
+
+void VirtualMicroscope::setPosition(std::int64_t position)
+{
+    parts_->motor.place(position);
+}
+
+bool VirtualMicroscope::isMoving() const
+{
+    return parts_->motor.isMoving(Clock::now());
+}
+
+double VirtualMicroscope::bestFocus() const
+{
+    return parts_->best;
+}
+
+double VirtualMicroscope::depthOfField() const
+{
+    return parts_->objective.depthOfFieldSteps();
+}
+
+bool VirtualMicroscope::hasTruth() const
+{
+    return !parts_->settings.photos;
+}
+
+const Image& VirtualMicroscope::truth() const
+{
+    return parts_->truth;
+}
+
+const std::vector<float>& VirtualMicroscope::heightMap() const
+{
+    return parts_->specimen.heightMap;
+}
+
+Faults VirtualMicroscope::faults() const
+{
+    return parts_->controller.faults();
+}
+
+void VirtualMicroscope::setFaults(const Faults& faults)
+{
+    parts_->controller.setFaults(faults);
+}
+
+std::vector<LoggedRequest> VirtualMicroscope::requestLog() const
+{
+    return parts_->controller.log();
+}
+
+bool VirtualMicroscope::driveHasVanished() const
+{
+    return parts_->controller.hasVanished();
+}
+
+std::string VirtualMicroscope::description() const
+{
+    const Settings& settings = parts_->settings;
+    std::string text = "Virtual microscope (simulated, no real camera or motor): objective " +
+                       std::to_string(settings.magnification) + "x, depth of field " +
+                       std::to_string(std::lround(depthOfField())) + " motor steps, ";
+    if (settings.photos)
+        return text + "replayed photographs";
+    return text + "specimen " + std::to_string(settings.seed);
+}
+
+const Settings& VirtualMicroscope::settings() const
+{
+    return parts_->settings;
+}
+
+} // namespace tesmor::microscope
