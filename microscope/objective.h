@@ -1,13 +1,17 @@
 // What an objective does to things out of focus.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 namespace tesmor::microscope {
 
-inline constexpr double STEPS_PER_MICROMETRE = 128; // one turn of the fine focus: 12800 steps, 100 um
-inline constexpr double WAVELENGTH_UM = 0.55;       // of the light
-inline constexpr double SENSOR_PIXEL_UM = 3.45;     // of a sensor 1280 pixels wide
+// One turn of the motor, 12800 steps, moves the focus by 25 um: the fine focus, 100 um a turn, behind a 4:1 gear.
+inline constexpr double STEPS_PER_MICROMETRE = 512;
+
+inline constexpr double WAVELENGTH_UM = 0.55;      // of the light
+inline constexpr double CONDENSER_APERTURE = 0.65; // numerical, of a simple condenser
+inline constexpr double SENSOR_PIXEL_UM = 3.45;    // of a sensor 1280 pixels wide
 inline constexpr double SENSOR_WIDTH_PIXELS = 1280;
 
 struct Objective {
@@ -15,12 +19,18 @@ struct Objective {
     double aperture;        // numerical
     double refractiveIndex; // between objective and specimen
 
+    // That of objective and condenser together, as it counts in transmitted light.
+    constexpr double workingAperture() const
+    {
+        return (aperture + std::min(aperture, CONDENSER_APERTURE)) / 2;
+    }
+
     // The whole depth of field, diffraction and sensor resolution together: lambda n / NA^2 + n e / (M NA).
     // S. Inoue and R. Oldenbourg, Microscopes, in: Handbook of Optics, volume II, 2nd edition (1995).
     constexpr double depthOfFieldSteps() const
     {
-        const double diffraction = WAVELENGTH_UM * refractiveIndex / (aperture * aperture);
-        const double sensor = refractiveIndex * SENSOR_PIXEL_UM / (magnification * aperture);
+        const double diffraction = WAVELENGTH_UM * refractiveIndex / (workingAperture() * workingAperture());
+        const double sensor = refractiveIndex * SENSOR_PIXEL_UM / (magnification * workingAperture());
         return (diffraction + sensor) * STEPS_PER_MICROMETRE;
     }
 
@@ -29,7 +39,7 @@ struct Objective {
     // quarter of the diameter.
     constexpr double blurPerStep() const
     {
-        const double discPerMicrometre = 2 * aperture / refractiveIndex * magnification / SENSOR_PIXEL_UM;
+        const double discPerMicrometre = 2 * workingAperture() / refractiveIndex * magnification / SENSOR_PIXEL_UM;
         return discPerMicrometre / 4 / STEPS_PER_MICROMETRE;
     }
 };

@@ -8,7 +8,7 @@
 //   taken after it: one that was exposed earlier is thrown away and taken anew.
 //
 // Focus positions
-//   Motor steps, positive forward. 12800 steps are one turn of the fine focus and 100 micrometres.
+//   Motor steps, positive forward. 12800 steps are one turn of the motor and 25 micrometres.
 //
 // Repeatability
 //   The same settings give the same specimen, and the same frame, to the byte, for the same position and frame number,

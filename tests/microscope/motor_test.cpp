@@ -1,0 +1,55 @@
+#include "microscope/motor.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace tesmor::microscope {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct Case {
+    const char* name;
+    MotorSettings settings;
+    std::int64_t missedSteps; // of each move
+    std::vector<std::int64_t> moves;
+    std::vector<std::int64_t> positions; // after each
+};
+
+TEST(Motor, EndsWhereItsMechanicsLetIt)
+{
+    const Case cases[] = {
+        {"free", {}, 0, {100, -30, 0, -200}, {100, 70, 70, -130}},
+        {"backlash", {.backlash = 10}, 0, {100, -30, -5, 4, -4, 30}, {100, 80, 75, 75, 75, 95}},
+        {"end stops", {.lowEnd = -50, .highEnd = 50}, 0, {80, -20, -200, 10}, {50, 30, -50, -40}},
+        {"end stop with backlash", {.backlash = 10, .highEnd = 50}, 0, {80, -20}, {50, 40}},
+        {"missed steps", {}, 7, {100, -30, 5, -5}, {93, 70, 70, 70}},
+    };
+    for (const Case& each : cases) {
+        Motor motor(each.settings, TimeScale{0}, 0);
+        for (std::size_t i = 0; i < each.moves.size(); ++i) {
+            motor.move(each.moves[i], each.missedSteps, Clock::time_point{});
+            EXPECT_EQ(motor.position(Clock::time_point{}), each.positions[i]) << each.name << ", move " << i;
+        }
+    }
+}
+
+TEST(Motor, TurnsAtItsSpeedByTheTimeScale)
+{
+    const Clock::time_point start{1h};
+    Motor motor({.stepsPerSecond = 1000, .backlash = 100}, TimeScale{2}, 50);
+    EXPECT_EQ(motor.move(-1000, 0, start), start + 500ms);
+    EXPECT_TRUE(motor.isMoving(start + 499ms));
+    EXPECT_FALSE(motor.isMoving(start + 500ms));
+    EXPECT_EQ(motor.position(start + 25ms), 50) << "within the backlash";
+    EXPECT_EQ(motor.position(start + 250ms), -350);
+    EXPECT_EQ(motor.position(start + 9s), -850);
+
+    motor.move(1000, 0, start + 10s);
+    motor.place(7);
+    EXPECT_FALSE(motor.isMoving(start + 10s));
+    EXPECT_EQ(motor.position(start + 10s), 7);
+}
+
+} // namespace
+} // namespace tesmor::microscope
