@@ -107,7 +107,7 @@ void checkMemory(std::uint64_t needed)
         throw memoryError(needed);
 }
 
-std::vector<QImage> readImages(const QStringList& files, QSize size, ProgressBar::Style style)
+std::vector<QImage> readImages(const QStringList& files, QSize size, LiveLine::Style style)
 {
     ProgressBar bar("Reading", style);
     std::vector<QImage> images;
@@ -142,8 +142,8 @@ int fuse(const Request& request)
     }
     checkMemory(memory);
 
-    const ProgressBar::Style style = ProgressBar::styleOfOutput(request.quiet);
-    ProgressBar total({}, ProgressBar::Style::SILENT);
+    const LiveLine::Style style = LiveLine::styleOfOutput(request.quiet);
+    ProgressBar total({}, LiveLine::Style::SILENT);
     const std::vector<QImage> images = readImages(request.files, size, style);
     QImage output = makeOutput(images.front());
     std::int32_t result = TESMOR_SUCCESS;
