@@ -2,8 +2,9 @@
 
 #include "interrupt.h"
 #include "library_command.h"
-#include "subcommand.h"
+#include "memory.h"
 #include "tesmor.h"
+#include "text.h"
 
 #include <atomic>
 
@@ -46,6 +47,20 @@ std::uint64_t fusionMemory(QSize size, std::size_t imageCount)
 {
     const auto pixels = static_cast<std::uint64_t>(size.width()) * static_cast<std::uint64_t>(size.height());
     return pixels * (FUSION_BYTES_PER_PIXEL + IMAGE_BYTES_PER_PIXEL * (imageCount + 1));
+}
+
+void requireFusionMemory(std::uint64_t needed)
+{
+    const auto available = availableMemory();
+    if (available && needed > *available)
+        throw fusionMemoryError(needed);
+}
+
+UserError fusionMemoryError(std::uint64_t needed)
+{
+    return UserError(
+        QString("not enough memory, about %1 are needed; close other programs, or merge fewer or smaller images")
+            .arg(memoryText(needed)));
 }
 
 std::int32_t mergeImages(const std::vector<QImage>& images, QImage& output, ProgressBar& bar)
