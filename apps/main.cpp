@@ -1,4 +1,5 @@
 // The command `tesmor`: finds the subcommand, runs it, and turns its failure into a line and an exit status.
+#include "demo_command.h"
 #include "fuse_command.h"
 #include "interrupt.h"
 #include "subcommand.h"
@@ -15,6 +16,7 @@ namespace tesmor::apps {
 namespace {
 
 constexpr Subcommand SUBCOMMANDS[] = {
+    {"demo", "show a whole session on a simulated microscope; needs no camera", runDemo},
     {"fuse", "merge a focus stack into one image that is sharp throughout", runFuse},
 };
 
