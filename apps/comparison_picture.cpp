@@ -1,6 +1,7 @@
 #include "comparison_picture.h"
 
-#include <QFont>
+#include "chart_axis.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -16,14 +17,6 @@ constexpr int TITLE_HEIGHT = 40;
 constexpr int NOTE_HEIGHT = 34;
 constexpr int CELLS = 16; // a side, of the grid on which the detail is sought
 constexpr int DETAIL_CELLS = CELLS / 4;
-
-QFont font(double points, bool bold)
-{
-    QFont result("DejaVu Sans");
-    result.setPointSizeF(points);
-    result.setBold(bold);
-    return result;
-}
 
 int heightOf(const QSize& size)
 {
@@ -72,12 +65,12 @@ QImage compare(const std::vector<ComparedPicture>& pictures, const QRect& detail
     int left = GAP;
     for (const ComparedPicture& compared : pictures) {
         painter.setPen(Qt::black);
-        painter.setFont(font(15, true));
+        painter.setFont(chartFont(15, true));
         painter.drawText(QRect(left, 0, PANEL_WIDTH, TITLE_HEIGHT), Qt::AlignCenter, compared.title);
         painter.drawImage(left, TITLE_HEIGHT, scaled(compared.image));
         const int detailTop = TITLE_HEIGHT + panelHeight + GAP;
         painter.drawImage(left, detailTop, scaled(compared.image.copy(detail)));
-        painter.setFont(font(13, false));
+        painter.setFont(chartFont(13));
         painter.drawText(QRect(left, detailTop + detailHeight, PANEL_WIDTH, NOTE_HEIGHT), Qt::AlignCenter,
                          compared.note);
         const double scale = static_cast<double>(PANEL_WIDTH) / compared.image.width();

@@ -153,8 +153,10 @@ QImage drawComparison(const Session& session, const DemoSummary& summary, const 
 
 QImage drawCurve(const Session& session, const DemoSummary& summary, const QString& title)
 {
+    const bool photographs = summary.photographs;
     return drawFocusChart({title, session.trace, session.startPosition, session.chosenPosition, summary.bestPosition,
-                           summary.photographs ? "plane of greatest contrast" : "true focus", summary.depthOfField});
+                           photographs ? "plane of greatest contrast" : "true focus", summary.depthOfField,
+                           photographs ? "one plane" : "one depth of field"});
 }
 
 int demonstrate(const DemoOptions& options)
@@ -173,10 +175,15 @@ int demonstrate(const DemoOptions& options)
         planeCount > 0 ? static_cast<double>(stepsPerPlane(options.magnification)) : microscope.depthOfField();
     const DemoSummary summary = summarise(session, microscope, truth, margin);
 
+    say("Writing the pictures.");
     folder.writeTrace(traceAsCsv(session.trace));
     folder.writeSlices(session.slices);
     folder.writePicture("fused.png", session.fused);
-    folder.writePicture("focus-curve.png", drawCurve(session, summary, "Autofocus"));
+    folder.writePicture("focus-curve.png", drawCurve(session, summary,
+                                                     QString("Autofocus on %1, %2x objective: %3 moves")
+                                                         .arg(planeCount > 0 ? "photographs" : "the virtual microscope")
+                                                         .arg(options.magnification)
+                                                         .arg(session.trace.size())));
     folder.writePicture("comparison.png", drawComparison(session, summary, truth));
 
     say("\n" + summaryText(summary));

@@ -188,6 +188,7 @@ std::vector<QImage> DemoSession::captureStack(std::uint16_t slices, std::int32_t
 
 QImage DemoSession::merge(const std::vector<QImage>& slices)
 {
+    microscope_.stop(); // nobody looks at the live view meanwhile, and the fusion yields to everything else
     return measured("fusion", [&] {
         QImage fused(slices.front().size(), QImage::Format_BGR888);
         if (fused.isNull())

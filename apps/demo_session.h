@@ -37,6 +37,7 @@ public:
     FocusTrace focus();
     void moveTo(std::int64_t position); // motor steps
     std::vector<QImage> captureStack(std::uint16_t slices, std::int32_t spacing);
+    // Ends the live view: the last operation.
     QImage merge(const std::vector<QImage>& slices);
 
     QImage firstImage() const

@@ -1,5 +1,7 @@
 #include "focus_chart.h"
 
+#include "chart_axis.h"
+
 #include <QAreaSeries>
 #include <QChart>
 #include <QGraphicsScene>
@@ -8,7 +10,6 @@
 #include <QLineSeries>
 #include <QPainter>
 #include <QScatterSeries>
-#include <QValueAxis>
 
 #include <algorithm>
 #include <cmath>
@@ -23,73 +24,36 @@ constexpr int HEIGHT = 640;
 constexpr int TITLE_HEIGHT = 50;
 constexpr int LEFT_WIDTH = 860;
 
-struct Range {
-    double low;
-    double high;
-
-    void include(double value)
-    {
-        low = std::min(low, value);
-        high = std::max(high, value);
-    }
-
-    Range widened(double share) const
-    {
-        const double more = (high - low) * share;
-        return {low - more, high + more};
-    }
-};
-
-QFont font(double points, bool bold = false)
-{
-    QFont result("DejaVu Sans");
-    result.setPointSizeF(points);
-    result.setBold(bold);
-    return result;
-}
-
 struct PhaseLook {
     SearchPhase phase;
     const char* label;
     QColor colour;
+    double size; // of a point, pixels
 };
 
 const PhaseLook LOOKS[] = {
-    {SearchPhase::PROBE, "probe", QColor(120, 120, 130)},
-    {SearchPhase::COARSE, "coarse sweep", QColor(225, 120, 20)},
-    {SearchPhase::FINE, "fine sweep", QColor(25, 125, 85)},
+    {SearchPhase::PROBE, "probe", QColor(150, 150, 165), 15},
+    {SearchPhase::COARSE, "coarse sweep", QColor(225, 120, 20), 10},
+    {SearchPhase::FINE, "fine sweep", QColor(25, 125, 85), 10},
 };
-
-QValueAxis* makeAxis(const QString& title, const Range& range, const char* format)
-{
-    auto* axis = new QValueAxis;
-    axis->setTitleText(title);
-    axis->setTitleFont(font(12));
-    axis->setLabelsFont(font(11));
-    axis->setLabelFormat(format);
-    axis->setRange(range.low, range.high);
-    axis->setGridLineColor(QColor(228, 228, 232));
-    return axis;
-}
 
 // One of the two plots.
 class Plot {
 public:
-    Plot(const FocusChart& data, const QString& title, const Range& positions, const Range& sharpness, int ticks)
+    Plot(const FocusChart& data, const QString& title, const Range& positions, const Range& sharpness)
         : data_(data), sharpness_(sharpness), chart_(new QChart),
-          positionAxis_(makeAxis("motor position (steps)", positions, "%.0f")),
-          sharpnessAxis_(makeAxis("contrast in the middle of the view (grey levels)", sharpness, "%.1f"))
+          positionAxis_(makeAxis("motor position (steps)", positions)),
+          sharpnessAxis_(makeAxis("sharpness (contrast in the middle, grey levels)", sharpness))
     {
         chart_->setTitle(title);
-        chart_->setTitleFont(font(13));
+        chart_->setTitleFont(chartFont(13));
         chart_->addAxis(positionAxis_, Qt::AlignBottom);
         chart_->addAxis(sharpnessAxis_, Qt::AlignLeft);
-        positionAxis_->setTickCount(ticks);
-        sharpnessAxis_->setTickCount(6);
-        chart_->legend()->setFont(font(11));
+        chart_->legend()->setFont(chartFont(11));
         chart_->setAnimationOptions(QChart::NoAnimation);
         chart_->setBackgroundRoundness(0);
         shadeMargin();
+        drawMark(static_cast<double>(data_.startPosition), "start", QPen(QColor(120, 120, 130), 2, Qt::DotLine));
         drawMark(data_.bestPosition, data_.bestLabel, QPen(QColor(190, 30, 45), 2));
         drawMark(static_cast<double>(data_.chosenPosition), "chosen", QPen(QColor(30, 70, 170), 2, Qt::DashLine));
         for (const PhaseLook& look : LOOKS)
@@ -126,7 +90,7 @@ private:
         auto* area = new QAreaSeries(upper, lower);
         upper->setParent(area);
         lower->setParent(area);
-        area->setName("within one depth of field");
+        area->setName("within " + data_.marginLabel);
         area->setColor(QColor(190, 30, 45, 22));
         area->setBorderColor(Qt::transparent);
         add(area);
@@ -156,7 +120,7 @@ private:
         points->setName(look.label);
         points->setColor(look.colour);
         points->setBorderColor(Qt::white);
-        points->setMarkerSize(10);
+        points->setMarkerSize(look.size);
         add(line);
         add(points);
         hideFromLegend(line);
@@ -208,17 +172,18 @@ QImage drawFocusChart(const FocusChart& chart)
     picture.fill(Qt::white);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(font(15, true));
+    painter.setFont(chartFont(15, true));
     painter.drawText(QRect(0, 8, WIDTH, TITLE_HEIGHT), Qt::AlignCenter, chart.title);
 
     const auto [positions, sharpness] = rangesOf(chart, [](const TraceStep&) { return true; });
     const auto [nearPositions, nearSharpness] =
         rangesOf(chart, [](const TraceStep& step) { return step.phase == SearchPhase::FINE; });
     const int plotHeight = HEIGHT - TITLE_HEIGHT;
-    renderChart(Plot(chart, "The whole search", positions, sharpness, 6).chart(), painter,
+    renderChart(Plot(chart, "The whole search", positions, sharpness).chart(), painter,
                 QRectF(0, TITLE_HEIGHT, LEFT_WIDTH, plotHeight));
-    renderChart(Plot(chart, "The fine sweep, enlarged", nearPositions, nearSharpness, 5).chart(), painter,
-                QRectF(LEFT_WIDTH, TITLE_HEIGHT, WIDTH - LEFT_WIDTH, plotHeight));
+    const Plot enlarged(chart, "The fine sweep, enlarged", nearPositions, nearSharpness);
+    enlarged.chart()->legend()->hide();
+    renderChart(enlarged.chart(), painter, QRectF(LEFT_WIDTH, TITLE_HEIGHT, WIDTH - LEFT_WIDTH, plotHeight));
     return picture;
 }
 

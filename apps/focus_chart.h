@@ -15,7 +15,8 @@ struct FocusChart {
     std::int64_t chosenPosition; // where the autofocus ended
     double bestPosition;         // the truth
     QString bestLabel;           // what it is
-    double margin;               // shaded on either side of it: one depth of field
+    double margin;               // shaded on either side of it
+    QString marginLabel;         // what it is, "one depth of field"
 };
 
 // On the left the whole search, on the right what it found, enlarged. Needs a QApplication.
