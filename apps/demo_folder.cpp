@@ -21,12 +21,15 @@ QStringList sliceNames(const QString& folder)
 
 } // namespace
 
-DemoFolder::DemoFolder(const QString& path) : path_(path.endsWith('/') ? path : path + "/")
+DemoFolder::DemoFolder(const QString& path, const std::optional<QString>& planes)
+    : path_(path.endsWith('/') ? path : path + "/")
 {
     if (QFileInfo(path).exists() && !QFileInfo(path).isDir())
         throw UserError(path + ": is no folder; choose another with --output");
     if (!QDir().mkpath(path))
         throw UserError(path + ": the folder cannot be made; check the permissions, or choose another with --output");
+    if (planes && QDir(path) == QDir(*planes))
+        throw UserError(path + ": holds the photographs, which would be replaced; choose another folder with --output");
     checkOutputFile(file("fused.png"), {});
     const QStringList slices = sliceNames(path_);
     if (!slices.isEmpty() && !QFileInfo::exists(file(TRACE)))

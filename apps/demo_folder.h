@@ -5,15 +5,16 @@
 #include <QImage>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 namespace tesmor::apps {
 
 class DemoFolder {
 public:
-    // Makes the folder if need be and finds out whether one can write there. Refuses a folder whose slice-NN.png are no
-    // demo's, so that nobody's photographs are replaced.
-    explicit DemoFolder(const QString& path);
+    // Makes the folder if need be and finds out whether one can write there. Nobody's photographs are replaced: refuses the
+    // folder `planes` that they came from, and one whose slice-NN.png are no demo's.
+    DemoFolder(const QString& path, const std::optional<QString>& planes);
 
     void writeTrace(const QByteArray& csv) const;
 

@@ -9,6 +9,16 @@ namespace tesmor::apps {
 
 namespace {
 
+ImageFigures measureImage(const QImage& image, const QImage& truth)
+{
+    ImageFigures figures{edgeSharpness(image), {}, {}};
+    if (!truth.isNull()) {
+        figures.psnr = psnr(image, truth);
+        figures.ssim = ssim(image, truth);
+    }
+    return figures;
+}
+
 QString cell(const QString& text, int width)
 {
     return text.rightJustified(width);
@@ -48,7 +58,7 @@ QString imageTable(const DemoSummary& summary)
                       summary.bestSlice);
     text += imageLine("fused image", summary.fused);
     text += "  (sharpness: of edges, grey levels a pixel; PSNR and SSIM: against the truth";
-    return text + (summary.photographs ? ",\n  which nobody knows of photographs)\n" : ")\n");
+    return text + (summary.photographs ? ",\n  which is not known of photographs)\n" : ")\n");
 }
 
 double distance(const DemoSummary& summary)
@@ -56,14 +66,17 @@ double distance(const DemoSummary& summary)
     return static_cast<double>(summary.chosenPosition) - summary.bestPosition;
 }
 
-// Where the search ended although it should not have.
 QString likelyCause(const DemoSummary& summary)
 {
+    if (summary.photographs)
+        return "the contrast in the middle of these photographs does not rise to one clear peak, and past the\n"
+               "  first and the last of them it stays the same";
+    constexpr double FAR = 10; // depths of field; nearer, the view of the virtual microscope shows where to go
     const double startDistance = std::abs(static_cast<double>(summary.startPosition) - summary.bestPosition);
-    if (startDistance > summary.depthOfField)
-        return QString("the start is %1 depths of field away, where the view is so blurred that the search sees noise\n"
-                       "  rather than focus; start nearer, with a smaller --offset")
-            .arg(startDistance / summary.depthOfField, 0, 'f', 1);
+    if (startDistance > FAR * summary.unitOfDistance)
+        return QString("the start is %1 depths of field away, where the view is so blurred that the search sees\n"
+                       "  noise rather than focus; start nearer, with a smaller --offset")
+            .arg(startDistance / summary.unitOfDistance, 0, 'f', 1);
     return "the contrast of this view has more than one peak, and the search climbs the first that it meets;\n"
            "  try another --offset or --seed";
 }
@@ -71,17 +84,17 @@ QString likelyCause(const DemoSummary& summary)
 QString focusLines(const DemoSummary& summary)
 {
     const double steps = distance(summary);
-    const double depths = std::abs(steps) / summary.depthOfField;
+    const double depths = std::abs(steps) / summary.unitOfDistance;
     const QString unit = summary.photographs ? "planes" : "depths of field";
     QString text = QString("  Focus found at %1; %2 at %3.\n")
                        .arg(summary.chosenPosition)
-                       .arg(summary.photographs ? "the plane of greatest contrast is" : "the true focus is")
+                       .arg(summary.photographs ? "the sharpest plane, by contrast, is" : "the true focus is")
                        .arg(std::lround(summary.bestPosition));
     text += QString("  Distance: %1 motor steps = %2 %3; within one %4: %5\n")
                 .arg(std::lround(std::abs(steps)))
                 .arg(depths, 0, 'f', 2)
                 .arg(unit, summary.photographs ? "plane" : "depth of field", summary.isInFocus() ? "yes" : "NO");
-    if (!summary.isInFocus() && !summary.photographs)
+    if (!summary.isInFocus())
         text += "  Likely cause: " + likelyCause(summary) + ".\n";
     return text;
 }
@@ -90,24 +103,29 @@ QString focusLines(const DemoSummary& summary)
 
 bool DemoSummary::isInFocus() const
 {
-    return std::abs(distance(*this)) <= depthOfField;
+    return std::abs(distance(*this)) <= unitOfDistance;
 }
 
-ImageFigures measureImage(const QImage& image, const QImage& truth)
+DemoSummary summarise(const DemoRun& run, const DemoInstrument& instrument, const QImage& truth)
 {
-    ImageFigures figures{edgeSharpness(image), {}, {}};
-    if (!truth.isNull()) {
-        figures.psnr = psnr(image, truth);
-        figures.ssim = ssim(image, truth);
-    }
-    return figures;
-}
-
-std::size_t findBestSlice(const std::vector<ImageFigures>& slices)
-{
+    std::vector<ImageFigures> slices;
+    for (const QImage& slice : run.slices)
+        slices.push_back(measureImage(slice, truth));
     const auto best = std::ranges::max_element(
         slices, {}, [](const ImageFigures& figures) { return figures.psnr.value_or(figures.sharpness); });
-    return static_cast<std::size_t>(best - slices.begin());
+    DemoSummary summary{};
+    summary.costs = run.costs;
+    summary.startPosition = instrument.startPosition();
+    summary.chosenPosition = run.chosenPosition;
+    summary.bestPosition = instrument.microscope().bestFocus();
+    summary.unitOfDistance = instrument.unitOfDistance();
+    summary.photographs = instrument.planeCount() > 0;
+    summary.start = measureImage(run.start, truth);
+    summary.bestSlice = *best;
+    summary.bestSliceIndex = static_cast<std::size_t>(best - slices.begin());
+    summary.sliceCount = slices.size();
+    summary.fused = measureImage(run.fused, truth);
+    return summary;
 }
 
 QString summaryText(const DemoSummary& summary)

@@ -1,7 +1,7 @@
 // What a demo came to, in figures.
 #pragma once
 
-#include "demo_session.h"
+#include "demo_run.h"
 
 #include <QImage>
 #include <QString>
@@ -23,24 +23,21 @@ struct DemoSummary {
     // Motor steps.
     std::int64_t startPosition;
     std::int64_t chosenPosition;
-    double bestPosition; // the true focus, or with photographs the sharpest plane
-    double depthOfField; // or with photographs the distance of two planes
+    double bestPosition;   // the true focus, or with photographs the plane of greatest contrast
+    double unitOfDistance; // one depth of field, or with photographs from one to the next
     bool photographs;
 
     ImageFigures start;
     ImageFigures bestSlice;
-    std::size_t bestSliceIndex;
+    std::size_t bestSliceIndex; // the closest to the truth; without one, that with the sharpest edges
     std::size_t sliceCount;
     ImageFigures fused;
 
-    bool isInFocus() const; // within one depth of field
+    bool isInFocus() const; // within one such unit
 };
 
 //   truth   null where there is none
-ImageFigures measureImage(const QImage& image, const QImage& truth);
-
-// The slice that comes closest to the truth, or without one has the sharpest edges.
-std::size_t findBestSlice(const std::vector<ImageFigures>& slices);
+DemoSummary summarise(const DemoRun& run, const DemoInstrument& instrument, const QImage& truth);
 
 // Some lines, ready to be printed.
 QString summaryText(const DemoSummary& summary);

@@ -1,6 +1,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace tesmor::apps {
 
@@ -32,6 +33,12 @@ QString barText(double share, int length)
 {
     const int filled = static_cast<int>(std::clamp(share, 0.0, 1.0) * length);
     return QString("[%1%2]").arg(QString(filled, '#'), QString(length - filled, '.'));
+}
+
+void printLine(const QString& text)
+{
+    std::fputs(qPrintable(text + "\n"), stdout);
+    std::fflush(stdout);
 }
 
 } // namespace tesmor::apps

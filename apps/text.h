@@ -21,4 +21,7 @@ QString durationText(std::chrono::duration<double> duration);
 // "[######....]": filled by a share of 0 to 1; `length` characters within the brackets
 QString barText(double share, int length);
 
+// On the standard output, at once.
+void printLine(const QString& text);
+
 } // namespace tesmor::apps
