@@ -81,6 +81,20 @@ TEST_F(Frames, AFrameForNoCommandTakesTheRequestAndSignalsNothing)
     EXPECT_FALSE(library.frameEvent.waitFor(0));
 }
 
+TEST_F(Frames, ARequestThatIsGivenUpIsNotServedForTheNextCommand)
+{
+    library.commandBlock.command = CMD_STACK;
+    library.frameRequest = 1;
+    library.commandLock.lock();
+    std::jthread video([&] { handleFrame(frame.data(), 16, 16); });
+    for (int i = 0; i < 10'000 && library.frameRequest == 1; ++i)
+        std::this_thread::yield(); // a hook that takes the request too early gets the time for it
+    library.frameRequest = 0;
+    library.commandLock.unlock();
+    video.join();
+    EXPECT_TRUE(recorder.calls().empty());
+}
+
 TEST_F(Frames, TheWaitEndsWithTheNextFrame)
 {
     library.commandBlock.command = CMD_CAPTURE;
