@@ -114,6 +114,25 @@ TEST_F(Frames, TheWaitTakesNoSignalFromBefore)
     EXPECT_EQ(waitForFrame(), ABORTED) << "a time-out ends the whole command";
 }
 
+TEST_F(Frames, TheWaitTakesNoSignalOfARequestThatWasGivenUp)
+{
+    library.commandBlock.command = CMD_STACK;
+    std::atomic<bool> ended{false};
+    std::size_t framesBefore = 0;
+    std::jthread worker([&] {
+        EXPECT_EQ(waitForFrame(), SUCCESS);
+        framesBefore = recorder.calls().size();
+        ended = true;
+    });
+    ASSERT_TRUE(eventually([] { return library.frameRequest == 1; }));
+    library.frameEvent.set(); // by a hook that was held up in the callback of the command before
+    for (int i = 0; i < 10'000 && !ended; ++i)
+        std::this_thread::yield();
+    handleFrame(frame.data(), 16, 16);
+    worker.join();
+    EXPECT_EQ(framesBefore, 1u);
+}
+
 TEST_F(Frames, TheWaitGivesUpOnlyAfterMoreThanFourSeconds)
 {
     const auto start = std::chrono::steady_clock::now();
