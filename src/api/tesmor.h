@@ -190,8 +190,8 @@ TESMOR_API int32_t tesmor_capture(FrameCallback frameCallback, void* context);
  *   output          the fused image is written here, at the very end; padding bytes are left alone. It may not overlap
  *                   an input image. Stays untouched on failure.
  *   frameCallback   must not be null; gets the progress and, last, the output with the result
- * Takes about 131 bytes of memory a pixel beside the images, however many there are. The worker runs at the lowest
- * priority meanwhile.
+ * Takes about 131 bytes of memory a pixel and 8 MB beside the images, however many there are. The worker runs at the
+ * lowest priority meanwhile.
  * Results: TESMOR_SUCCESS, TESMOR_NO_MEMORY, TESMOR_ABORTED.
  */
 TESMOR_API int32_t tesmor_fusion(const uint8_t* const* images, uint64_t count, uint32_t width, uint32_t height,

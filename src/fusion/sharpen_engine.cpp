@@ -10,10 +10,18 @@ namespace {
 constexpr double PI = 3.141592653589793;
 constexpr double HALF_PI = 1.5707963267948966;
 constexpr double LEAST_USABLE_GAIN = 0.0009765625; // 2^-10
+constexpr std::size_t FFTW_OWN_BYTES = 8 << 20;
+constexpr std::size_t FFTW_OWN_BYTES_PER_PIXEL = 64; // for odd sizes; less than the arrays that follow the plans
 
 ComplexPlane makeComplexPlane(std::size_t count) noexcept
 {
     return ComplexPlane(static_cast<fftw_complex*>(fftw_malloc(count * sizeof(fftw_complex))));
+}
+
+// FFTW ends the process when it cannot get memory of its own, so there must be some to spare where it may ask for it.
+bool canSpare(std::size_t bytes) noexcept
+{
+    return ComplexPlane(static_cast<fftw_complex*>(fftw_malloc(bytes))) != nullptr;
 }
 
 FftwPlan makePlan(std::uint32_t width, std::uint32_t height, fftw_complex* from, fftw_complex* to, int sign) noexcept
@@ -55,7 +63,7 @@ void SharpenEngine::prepare(std::uint32_t width, std::uint32_t height) noexcept
     release();
     width_ = width;
     height_ = height;
-    ready_ = makePlans() && obtainArrays();
+    ready_ = makePlans() && obtainArrays() && canSpare(FFTW_OWN_BYTES);
     if (!ready_)
         release();
 }
@@ -65,7 +73,7 @@ bool SharpenEngine::makePlans() noexcept
 {
     const ComplexPlane from = makeComplexPlane(pixelCount());
     const ComplexPlane to = makeComplexPlane(pixelCount());
-    if (!from || !to)
+    if (!from || !to || !canSpare(FFTW_OWN_BYTES + FFTW_OWN_BYTES_PER_PIXEL * pixelCount()))
         return false;
     forwardPlan_ = makePlan(width_, height_, from.get(), to.get(), FFTW_FORWARD);
     if (forwardPlan_)
