@@ -1,5 +1,7 @@
 #include "fusion/focus_weight.h"
 
+#include "fusion/cpu_clones.h"
+
 namespace tesmor {
 
 namespace {
@@ -14,8 +16,8 @@ std::int32_t channelTerm(std::uint8_t original, std::uint8_t sharpened) noexcept
 
 } // namespace
 
-void measureRow(const std::uint8_t* image, const std::uint8_t* sharpened, std::int32_t width,
-                std::int32_t* measure) noexcept
+TESMOR_CPU_CLONES void measureRow(const std::uint8_t* image, const std::uint8_t* sharpened, std::int32_t width,
+                                  std::int32_t* measure) noexcept
 {
     for (std::int32_t x = 0; x < width; ++x, image += 3, sharpened += 3) {
         measure[x] = channelTerm(image[0], sharpened[0]) + channelTerm(image[1], sharpened[1]) +

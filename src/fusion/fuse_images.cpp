@@ -8,8 +8,6 @@
 #include "fusion/smoothing.h"
 #include "fusion/weighted_mean.h"
 
-#include <algorithm>
-
 namespace tesmor {
 
 namespace {
@@ -124,15 +122,13 @@ private:
         return true;
     }
 
-    // From the image itself, not its sharpened copy. Every image has at least weight 1 everywhere.
+    // From the image itself, not its sharpened copy.
     bool accumulate(const std::uint8_t* image) noexcept
     {
         for (std::int32_t y = 0; y < layout_.height; ++y) {
             if (aborted())
                 return false;
-            std::int32_t* const weights = measureOfRow(y);
-            std::replace(weights, weights + layout_.width, 0, 1);
-            mean_.addRow(y, image + layout_.rowOffset(y), weights);
+            mean_.addRow(y, image + layout_.rowOffset(y), measureOfRow(y));
         }
         return true;
     }

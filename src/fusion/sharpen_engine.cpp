@@ -1,5 +1,7 @@
 #include "fusion/sharpen_engine.h"
 
+#include "fusion/cpu_clones.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -30,16 +32,28 @@ FftwPlan makePlan(std::uint32_t width, std::uint32_t height, fftw_complex* from,
     return FftwPlan(fftw_plan_many_dft(2, size, 1, from, nullptr, 1, 1, to, nullptr, 1, 1, sign, FFTW_MEASURE));
 }
 
-template <class Value>
-void loadPlane(const Value* values, std::size_t valueStep, std::size_t count, fftw_complex* plane) noexcept
+TESMOR_CPU_CLONES void loadRow(const std::uint8_t* row, std::size_t width, fftw_complex* red, fftw_complex* green,
+                               fftw_complex* blue) noexcept
+{
+    for (std::size_t x = 0; x < width; ++x) {
+        red[x][0] = row[3 * x + 2];
+        red[x][1] = 0.0;
+        green[x][0] = row[3 * x + 1];
+        green[x][1] = 0.0;
+        blue[x][0] = row[3 * x];
+        blue[x][1] = 0.0;
+    }
+}
+
+TESMOR_CPU_CLONES void loadPlane(const float* values, std::size_t count, fftw_complex* plane) noexcept
 {
     for (std::size_t i = 0; i < count; ++i) {
-        plane[i][0] = values[i * valueStep];
+        plane[i][0] = values[i];
         plane[i][1] = 0.0;
     }
 }
 
-void multiply(fftw_complex* spectrum, const double* gain, double scale, std::size_t count) noexcept
+TESMOR_CPU_CLONES void multiply(fftw_complex* spectrum, const double* gain, double scale, std::size_t count) noexcept
 {
     for (std::size_t i = 0; i < count; ++i) {
         spectrum[i][0] = spectrum[i][0] * scale * gain[i];
@@ -47,11 +61,21 @@ void multiply(fftw_complex* spectrum, const double* gain, double scale, std::siz
     }
 }
 
-std::uint8_t magnitudeByte(const fftw_complex& pixel, double scale) noexcept
+inline std::uint8_t magnitudeByte(const fftw_complex& pixel, double scale) noexcept
 {
     const double rounded = std::sqrt(pixel[0] * pixel[0] + pixel[1] * pixel[1]) * scale + 0.5;
     const double notNegative = rounded > 0.0 ? rounded : 0.0; // also where it is not a number
     return static_cast<std::uint8_t>(static_cast<std::int32_t>(notNegative < 255.0 ? notNegative : 255.0));
+}
+
+TESMOR_CPU_CLONES void storeRow(const fftw_complex* red, const fftw_complex* green, const fftw_complex* blue,
+                                double scale, std::size_t width, std::uint8_t* row) noexcept
+{
+    for (std::size_t x = 0; x < width; ++x) {
+        row[3 * x] = magnitudeByte(blue[x], scale);
+        row[3 * x + 1] = magnitudeByte(green[x], scale);
+        row[3 * x + 2] = magnitudeByte(red[x], scale);
+    }
 }
 
 } // namespace
@@ -134,17 +158,15 @@ void SharpenEngine::loadImage(const std::uint8_t* image, std::int32_t stride) no
     for (std::uint32_t y = 0; y < height_; ++y) {
         const std::uint8_t* row = image + static_cast<std::size_t>(stride) * y;
         const std::size_t first = static_cast<std::size_t>(width_) * y;
-        loadPlane(row + 2, 3, width_, planeR_.get() + first);
-        loadPlane(row + 1, 3, width_, planeG_.get() + first);
-        loadPlane(row, 3, width_, planeB_.get() + first);
+        loadRow(row, width_, planeR_.get() + first, planeG_.get() + first, planeB_.get() + first);
     }
 }
 
 void SharpenEngine::loadPlanes(const float* red, const float* green, const float* blue) noexcept
 {
-    loadPlane(red, 1, pixelCount(), planeR_.get());
-    loadPlane(green, 1, pixelCount(), planeG_.get());
-    loadPlane(blue, 1, pixelCount(), planeB_.get());
+    loadPlane(red, pixelCount(), planeR_.get());
+    loadPlane(green, pixelCount(), planeG_.get());
+    loadPlane(blue, pixelCount(), planeB_.get());
     forward();
 }
 
@@ -176,11 +198,7 @@ void SharpenEngine::storeImage(std::uint8_t* image, std::int32_t stride) const n
     for (std::uint32_t y = 0; y < height_; ++y) {
         std::uint8_t* row = image + static_cast<std::size_t>(stride) * y;
         const std::size_t first = static_cast<std::size_t>(width_) * y;
-        for (std::uint32_t x = 0; x < width_; ++x) {
-            row[3 * x] = magnitudeByte(planeB_[first + x], scale);
-            row[3 * x + 1] = magnitudeByte(planeG_[first + x], scale);
-            row[3 * x + 2] = magnitudeByte(planeR_[first + x], scale);
-        }
+        storeRow(planeR_.get() + first, planeG_.get() + first, planeB_.get() + first, scale, width_, row);
     }
 }
 
