@@ -93,6 +93,14 @@ void checkOutput(const Request& request, QSize size)
     checkOutputFile(request.output, size);
 }
 
+void say(const Request& request, const QString& text)
+{
+    if (request.quiet)
+        return;
+    std::printf("%s\n", qPrintable(text));
+    std::fflush(stdout);
+}
+
 UserError memoryError(std::uint64_t needed)
 {
     return UserError(
@@ -135,11 +143,10 @@ int fuse(const Request& request)
     const QSize size = checkImages(request.files);
     const std::uint64_t memory = fusionMemory(size, static_cast<std::size_t>(request.files.size()));
     checkOutput(request, size);
-    if (!request.quiet) {
-        std::printf("Merging %d images of %s pixels; this takes about %s of memory.\n",
-                    static_cast<int>(request.files.size()), qPrintable(sizeText(size)), qPrintable(memoryText(memory)));
-        std::fflush(stdout);
-    }
+    say(request,
+        QString("Merging %1 of %2 pixels; this takes about %3 of memory")
+            .arg(request.files.size() == 1 ? QString("1 image") : QString("%1 images").arg(request.files.size()),
+                 sizeText(size), memoryText(memory)));
     checkMemory(memory);
 
     const ProgressBar::Style style = ProgressBar::styleOfOutput(request.quiet);
@@ -156,9 +163,9 @@ int fuse(const Request& request)
         throw memoryError(memory);
     if (result == TESMOR_ABORTED)
         throw Interrupted();
+    say(request, "Writing " + request.output);
     writeOutputFile(request.output, output);
-    if (!request.quiet)
-        std::printf("Wrote %s in %s.\n", qPrintable(request.output), qPrintable(durationText(total.elapsed())));
+    say(request, "Done in " + durationText(total.elapsed()));
     return STATUS_DONE;
 }
 

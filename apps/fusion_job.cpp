@@ -17,8 +17,8 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto TICK = 100ms; // between two looks at the interruption
-constexpr auto PATIENCE = 700ms;
+constexpr auto TICK = 50ms; // between two looks at the interruption
+constexpr auto PATIENCE = 500ms;
 constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 131;
 constexpr std::uint64_t IMAGE_BYTES_PER_PIXEL = 3;
 
