@@ -1,0 +1,26 @@
+# What `cmake --install` puts where. Components: runtime (the library), development, command.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS tesmor EXPORT tesmor_targets
+  RUNTIME COMPONENT runtime
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/src/api/tesmor.h ${PROJECT_SOURCE_DIR}/src/api/tesmor_loader.h
+  TYPE INCLUDE COMPONENT development)
+
+# find_package(tesmor CONFIG), target tesmor::tesmor. Before 1.0 a new minor version may break its hosts.
+set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/tesmor)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/tesmor-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(EXPORT tesmor_targets NAMESPACE tesmor:: FILE tesmor-targets.cmake
+  DESTINATION ${packageDir} COMPONENT development)
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/tesmor-config.cmake ${PROJECT_BINARY_DIR}/tesmor-config-version.cmake
+  DESTINATION ${packageDir} COMPONENT development)
+
+# The prefix is found from the file's own place, so that an installed tree may be moved.
+set(pkgconfigDir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH prefixFromPkgconfig /prefix/${pkgconfigDir} /prefix)
+string(REGEX REPLACE "/$" "" prefixFromPkgconfig ${prefixFromPkgconfig})
+configure_file(${PROJECT_SOURCE_DIR}/cmake/tesmor.pc.in ${PROJECT_BINARY_DIR}/tesmor.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tesmor.pc DESTINATION ${pkgconfigDir} COMPONENT development)
