@@ -24,3 +24,24 @@ file(RELATIVE_PATH prefixFromPkgconfig /prefix/${pkgconfigDir} /prefix)
 string(REGEX REPLACE "/$" "" prefixFromPkgconfig ${prefixFromPkgconfig})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/tesmor.pc.in ${PROJECT_BINARY_DIR}/tesmor.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tesmor.pc DESTINATION ${pkgconfigDir} COMPONENT development)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ ${PROJECT_SOURCE_DIR}/examples
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtesmor-dev COMPONENT development
+  PATTERN CMakeLists.txt EXCLUDE
+  PATTERN Doxyfile.in EXCLUDE)
+
+if(TARGET tesmor_command)
+  # $ORIGIN: the library of the same tree, wherever that is.
+  set_target_properties(tesmor_command PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  install(TARGETS tesmor_command RUNTIME COMPONENT command)
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/tesmor.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/completion.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tesmor COMPONENT command)
+endif()
+
+if(WIN32)
+  # For a linker that does not read MinGW's import library: lib /def:tesmor.def /machine:x64
+  install(FILES ${PROJECT_SOURCE_DIR}/src/api/exports.def
+    DESTINATION ${CMAKE_INSTALL_LIBDIR} RENAME tesmor.def COMPONENT development)
+endif()
