@@ -1,12 +1,15 @@
-/*
+/**
+ * @file
  * Loads the library while the host runs, for a host that goes on without it when it is missing: no link option, no
  * import library, only this header and tesmor.h. Plain C.
  *
+ * @code
  *   TesmorFunctions tesmor;
  *   if (tesmor_load(&tesmor, NULL) && tesmor.init())
  *       tesmor.start(40, onDone, context);
  *   else
  *       hideTheAutofocusButton();
+ * @endcode
  *
  * On Linux link with ${CMAKE_DL_LIBS} (-ldl), which newer systems no longer need.
  */
@@ -29,12 +32,15 @@
 #define TESMOR_LIBRARY_FILE "tesmor.dll"
 #else
 #define TESMOR_LIBRARY_FILE "libtesmor.so." TESMOR_TEXT_OF(TESMOR_VERSION_MAJOR)
+/** @cond */
 #define TESMOR_TEXT_OF(number) TESMOR_TEXT_OF_ARGUMENT(number)
 #define TESMOR_TEXT_OF_ARGUMENT(number) #number
+/** @endcond */
 #endif
 
 /** The functions of tesmor.h, each under its name without the prefix. */
 typedef struct TesmorFunctions {
+    /** @cond */
     int32_t (*init)(void);
     int32_t (*fini)(void);
     void (*video)(const uint8_t* image, int32_t width, int32_t height);
@@ -49,13 +55,14 @@ typedef struct TesmorFunctions {
                       FrameCallback frameCallback, void* context);
     int32_t (*manual)(double angle, DoneCallback doneCallback, void* context);
     int32_t (*reset)(void);
+    /** @endcond */
 } TesmorFunctions;
 
 /**
  * Loads the library and finds its functions. The library stays in the process until it ends; it must never be unloaded.
  * Any thread, but one at a time.
- * @param functions  filled in on success, else cleared: every member is null
- * @param file       the library's file with its folder; null: TESMOR_LIBRARY_FILE where the system looks for libraries
+ * @param functions filled in on success, else cleared: every member is null
+ * @param file the library's file with its folder; null: TESMOR_LIBRARY_FILE where the system looks for libraries
  * @return 1; 0 when the library is missing or lacks a function, and dlerror() or GetLastError() tells why
  */
 static inline int tesmor_load(TesmorFunctions* functions, const char* file)
