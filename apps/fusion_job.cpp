@@ -83,17 +83,6 @@ private:
 
 } // namespace
 
-LibrarySession::LibrarySession()
-{
-    if (tesmor_init() == 0)
-        throw UserError("the system has no thread to spare; close other programs");
-}
-
-LibrarySession::~LibrarySession()
-{
-    tesmor_fini();
-}
-
 std::uint64_t fusionMemory(QSize size, std::size_t imageCount)
 {
     const auto pixels = static_cast<std::uint64_t>(size.width()) * static_cast<std::uint64_t>(size.height());
