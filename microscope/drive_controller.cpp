@@ -12,6 +12,7 @@ constexpr std::uint32_t REQUEST_CODE = 0x222059;
 constexpr std::uint32_t RESET_CODE = 0x222035;
 constexpr std::size_t REQUEST_BYTES = 10;
 constexpr std::size_t RESET_BYTES = 4;
+constexpr std::size_t MOST_LOGGED = 10'000;
 
 constexpr std::uint8_t MOVE = 209;
 constexpr std::uint8_t OPEN = 210;
@@ -76,6 +77,8 @@ DriveController::Reaction DriveController::request(std::uint32_t code, std::span
     std::lock_guard guard(mutex_);
     const Reaction reaction = react(code, input, now);
     log_.push_back({now, code, {input.begin(), input.end()}, reaction.answer});
+    if (log_.size() > MOST_LOGGED)
+        log_.pop_front();
     return reaction;
 }
 
@@ -176,7 +179,7 @@ void DriveController::setFaults(const Faults& faults)
 std::vector<LoggedRequest> DriveController::log() const
 {
     std::lock_guard guard(mutex_);
-    return log_;
+    return {log_.begin(), log_.end()};
 }
 
 void DriveController::clearLog()

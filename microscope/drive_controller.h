@@ -17,6 +17,7 @@
 #include "microscope/request_log.h"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -76,8 +77,8 @@ private:
 
     mutable std::mutex mutex_; // guards what follows
     Faults faults_;
-    std::vector<LoggedRequest> log_;
-    std::vector<OwedEvent> owed_; // in the order of their moves
+    std::deque<LoggedRequest> log_; // the newest MOST_LOGGED
+    std::vector<OwedEvent> owed_;   // in the order of their moves
     bool vanished_ = false;
 };
 

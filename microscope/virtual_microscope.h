@@ -96,7 +96,7 @@ public:
 
     Faults faults() const; // what is left of them
     void setFaults(const Faults& faults);
-    std::vector<LoggedRequest> requestLog() const;
+    std::vector<LoggedRequest> requestLog() const; // the newest 10,000
     bool driveHasVanished() const;
 
     // One line for people: that the microscope is simulated, with its objective and specimen.

@@ -18,17 +18,21 @@
  * @par Threads
  *   Every function may be called from any thread but the worker, tesmor_doing and tesmor_video from any thread at all.
  *   A posting function (all but tesmor_init, tesmor_doing and tesmor_video) first waits, WITHOUT LIMIT, until the
- *   worker is idle; of several threads that post at once one proceeds and the others wait their turn.
+ *   worker is idle; of several threads that post at once one proceeds and the others wait their turn. An abort on one
+ *   thread may be overtaken by a post on another; it then waits until that command has ended by itself.
+ * @par
+ *   tesmor_init and tesmor_fini must not overlap. A command that another thread posts during tesmor_fini is run after
+ *   the next tesmor_init; posts after it wait until then. A child process made by fork must not use the library.
  * @par
  *   Do not post from a callback. On the worker thread the post would wait for itself, for ever. On the video thread
  *   (a live frame in FrameCallback) it would keep the worker waiting for the very callback that posts, until the
  *   frame wait gives up after 4 seconds with TESMOR_NO_FRAME. Hand the wish to another thread instead.
- *
  * @par
  *   A fusion uses FFTW, whose planner serves one thread at a time: a host that uses FFTW itself must not plan meanwhile.
  *
  * @par How long a command may take
- *   A frame wait ends within 4.2 seconds, a motor move within 7.7 seconds (normally as soon as the motor stops).
+ *   A frame wait ends within 4.2 seconds, a motor move within 7.7 seconds (normally as soon as the motor stops). On
+ *   Linux a drive service has 1 second more for each answer; one that uses it up makes that 17.7 seconds a move.
  *   tesmor_stop, tesmor_cancelif and tesmor_fini interrupt a frame wait within 128 milliseconds and a fusion at the
  *   end of the step in hand (planning, one round of transforms, or the last composition); they never interrupt a
  *   motor move.
@@ -36,7 +40,8 @@
  * @par Ownership
  *   The host owns all memory that it passes in. Live frames are read only during tesmor_video. The pixels of the
  *   fusion's input images and its output buffer must stay valid and unchanged until the fusion's last callback.
- *   A context is never looked at, only handed back.
+ *   A context is never looked at, only handed back. It must stay valid until the command has ended and, after an abort
+ *   or a time-out, until the call of tesmor_video that was under way then has returned.
  *
  * @par Checks
  *   No argument is checked, and nothing is logged. A null callback is allowed where this header says so and nowhere
@@ -76,14 +81,15 @@ enum {
     /** The command is complete; or: one captured frame, one slice. */
     TESMOR_SUCCESS = 0,
     /** The focus motor refused a move five times, or five waits of 1.5 seconds for its acknowledgement were in vain.
-       The motor may or may not have moved. */
+       The motor may or may not have moved. On Linux also: another program has the drive, or its service has gone. */
     TESMOR_MOVE_FAILED = -1,
     /** The fusion could not get its working memory, or the images are smaller than 2 x 2 pixels or have more than
        2^31 - 1 bytes. */
     TESMOR_NO_MEMORY = -2,
     /** tesmor_stop, tesmor_cancelif or tesmor_fini ended the command. The focus stays where it is. */
     TESMOR_ABORTED = -3,
-    /** No focus drive: no camera with a focus motor is connected, its driver is not there, or another program has it. */
+    /** No focus drive: no camera with a focus motor is connected, its driver is not there, or (on Windows) another
+       program has it. */
     TESMOR_NO_DRIVE = -4,
     /** No frame came through tesmor_video within 4 seconds, or the host's frame callback took longer than that.
        The focus stays where it is. */

@@ -37,7 +37,6 @@ struct Heard {
     std::atomic<int> frames{0};
     std::atomic<int> results{0};
     std::atomic<std::int32_t> result{0};
-    std::array<std::uint8_t, SIDE * SIDE * 3> output{};
 
     explicit Heard(Kind kindOfCommand) : kind(kindOfCommand) {}
 
@@ -131,7 +130,7 @@ private:
             Heard& h = add(Kind::fusion, "tesmor_fusion");
             static constexpr std::array<std::uint8_t, SIDE * SIDE * 3> image{};
             const std::uint8_t* const images[] = {image.data(), image.data()};
-            return posted(tesmor_fusion(images, 2, SIDE, SIDE, h.output.data(), Heard::onFrame, &h));
+            return posted(tesmor_fusion(images, 2, SIDE, SIDE, output_.data(), Heard::onFrame, &h));
         }
         }
     }
@@ -156,6 +155,7 @@ private:
     }
 
     std::mt19937 random_;
+    std::array<std::uint8_t, SIDE * SIDE * 3> output_{};
 };
 
 class Storm : public LibraryTest {};
