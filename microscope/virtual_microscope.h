@@ -2,7 +2,7 @@
 // to which the library connects as it would to a real camera's. Nothing in it is real; `description` says so.
 //
 // How it works
-//   The constructor makes the specimen and its optics: about a second and 120 MB at 1280 x 960. `start` opens the drive
+//   The constructor makes the specimen and its optics: about a second and 150 MB at 1280 x 960. `start` opens the drive
 //   on its unit and lets the camera deliver frames to the sink; the host passes them on to tesmor_video. Moves that the
 //   library sends turn the motor, and the frames show it. A frame that is delivered after a move was acknowledged was
 //   taken after it: one that was exposed earlier is thrown away and taken anew.
