@@ -69,7 +69,6 @@ private:
     };
 
     Reaction react(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now);
-    bool carryOut(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now);
     bool startMove(std::int64_t displacement, Clock::time_point now);
 
     Motor& motor_;
