@@ -78,6 +78,8 @@ QString textFor(std::int32_t result, std::int32_t steps)
         return "there is no focus drive; connect a camera that has one and start its drive service, or try --virtual";
     if (result == TESMOR_MOVE_FAILED)
         return "the drive did not carry out the move; tesmor devices tells whether another program uses it";
+    if (steps == 0)
+        return "The drive answered to a move of 0 steps.";
     return QString("Turned %1 degrees %2: %3 steps.")
         .arg(QString::number(std::abs(steps) * DEGREES_PER_STEP), steps > 0 ? "forward" : "in reverse")
         .arg(std::abs(steps));
