@@ -49,14 +49,14 @@ set(CPACK_COMPONENT_COMMAND_DESCRIPTION
 simulates a microscope for those who have none at hand.")
 
 if(WIN32)
-  install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT runtime OPTIONAL)
+  install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT runtime)
   install(FILES ${FFTW_ROOT}/bin/libfftw3-3.dll TYPE BIN COMPONENT runtime)
   install(FILES ${FFTW_ROOT}/COPYING DESTINATION . RENAME LICENSE.fftw COMPONENT runtime)
 else()
   foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER CPACK_DEBIAN_${component}_PACKAGE_NAME package)
     install(FILES ${PROJECT_SOURCE_DIR}/LICENSE
-      DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${${package}} RENAME copyright COMPONENT ${component} OPTIONAL)
+      DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${${package}} RENAME copyright COMPONENT ${component})
   endforeach()
 endif()
 

@@ -82,7 +82,7 @@ int main(int argc, char** argv)
         else if ((written = writePpm(argv[1], picture.copy, picture.width, picture.height)) != 0)
             printf("Wrote %s.\n", argv[1]);
     }
-    tesmor_fini(); /* from here on onFrame is not called any more */
+    tesmor_fini(); /* no call of onFrame begins after this */
     free(picture.copy);
     return written ? 0 : 1;
 }
