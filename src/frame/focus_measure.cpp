@@ -24,11 +24,11 @@ Region centralRegion(std::int32_t width, std::int32_t height, std::uint16_t magn
     return {(width - regionWidth) / 2, (height - regionHeight) / 2, regionWidth, regionHeight};
 }
 
-// 32-bit products that wrap, as a row offset past 2^31 bits must.
+// By the running bit count of the rows above: where the width is no multiple of 4, rows drift against their padding, but
+// never past it.
 const std::uint8_t* rowStart(const std::uint8_t* image, std::int32_t width, std::int32_t row) noexcept
 {
-    const auto bits = static_cast<std::uint32_t>(row) * static_cast<std::uint32_t>(width) * 24u + 31u;
-    return image + static_cast<std::int32_t>(bits) / 32 * 4;
+    return image + (std::int64_t{row} * width * 24 + 31) / 32 * 4;
 }
 
 // One loop a pass: luminance is computed while the sum before it is still on its way, so that a pass costs no more than
