@@ -13,7 +13,7 @@ constexpr double PI = 3.141592653589793;
 constexpr double HALF_PI = 1.5707963267948966;
 constexpr double LEAST_USABLE_GAIN = 0.0009765625; // 2^-10
 constexpr std::size_t FFTW_OWN_BYTES = 8 << 20;
-constexpr std::size_t FFTW_OWN_BYTES_PER_PIXEL = 64; // for odd sizes; less than the arrays that follow the plans
+constexpr std::size_t FFTW_OWN_BYTES_PER_PIXEL = 64; // of address space, at most, while it plans odd sizes
 
 ComplexPlane makeComplexPlane(std::size_t count) noexcept
 {
