@@ -19,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto TICK = 50ms; // between two looks at the interruption
 constexpr auto PATIENCE = 500ms;
-constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 131;
+constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 64;
 constexpr std::uint64_t IMAGE_BYTES_PER_PIXEL = 3;
 
 // What the library's worker tells, for the thread that waits.

@@ -16,22 +16,22 @@ class BareTransforms {
 public:
     BareTransforms(int width, int height) : width_(width), height_(height)
     {
-        for (fftw_complex*& plane : planes_)
-            plane = fftw_alloc_complex(count());
+        for (fftw_complex** array : {&plane_, &spectrum_})
+            *array = fftw_alloc_complex(count());
     }
     ~BareTransforms()
     {
         forget();
-        for (fftw_complex* plane : planes_)
-            fftw_free(plane);
+        fftw_free(plane_);
+        fftw_free(spectrum_);
     }
     BareTransforms(const BareTransforms&) = delete;
     BareTransforms& operator=(const BareTransforms&) = delete;
 
     void plan()
     {
-        forward_ = fftw_plan_dft_2d(height_, width_, planes_[0], planes_[3], FFTW_FORWARD, FFTW_MEASURE);
-        backward_ = fftw_plan_dft_2d(height_, width_, planes_[0], planes_[3], FFTW_BACKWARD, FFTW_MEASURE);
+        forward_ = fftw_plan_dft_2d(height_, width_, plane_, spectrum_, FFTW_FORWARD, FFTW_MEASURE);
+        backward_ = fftw_plan_dft_2d(height_, width_, spectrum_, plane_, FFTW_BACKWARD, FFTW_MEASURE);
     }
 
     void forget()
@@ -44,17 +44,15 @@ public:
     // Unnormalised transforms let the values grow; from these they stay finite for one run.
     void fill()
     {
-        for (fftw_complex* plane : planes_)
-            std::fill_n(&plane[0][0], 2 * count(), 1e-6);
+        for (fftw_complex* array : {plane_, spectrum_})
+            std::fill_n(&array[0][0], 2 * count(), 1e-9);
     }
 
     void run() const
     {
-        for (std::uint32_t image = 0; image <= IMAGES; ++image) {
-            for (int colour = 0; colour < 3; ++colour)
-                fftw_execute_dft(forward_, planes_[colour], planes_[colour + 3]);
-            for (int colour = 0; colour < 3; ++colour)
-                fftw_execute_dft(backward_, planes_[colour + 3], planes_[colour]);
+        for (std::uint32_t i = 0; i < 3 * (IMAGES + 1); ++i) {
+            fftw_execute_dft(forward_, plane_, spectrum_);
+            fftw_execute_dft(backward_, spectrum_, plane_);
         }
     }
 
@@ -66,7 +64,8 @@ private:
 
     int width_;
     int height_;
-    fftw_complex* planes_[6];
+    fftw_complex* plane_;
+    fftw_complex* spectrum_;
     fftw_plan forward_ = nullptr;
     fftw_plan backward_ = nullptr;
 };

@@ -214,8 +214,8 @@ TESMOR_API int32_t tesmor_capture(FrameCallback frameCallback, void* context);
 
 /**
  * Fusion: merges images of one field at different focus into one that is sharp throughout.
- * Takes about 131 bytes of memory a pixel and 8 MB beside the images, however many there are. The worker runs at the
- * lowest priority meanwhile.
+ * Takes about 64 bytes of memory a pixel and 8 MB beside the images, however many there are, and does not start unless
+ * twice as much can be had. The worker runs at the lowest priority meanwhile.
  * @param images count pointers to images of width x height; the array itself is copied, the pixels are not
  * @param count 0 to 128; a larger count is the host's fault and overruns the library's memory
  * @param width,height of every image and of output, at least 2 x 2

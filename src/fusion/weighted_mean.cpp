@@ -9,15 +9,15 @@ namespace {
 // A measure of 0 weighs 1, so that every image counts everywhere. Without __restrict there are too many pairs of arrays
 // to tell apart for vector code.
 TESMOR_CPU_CLONES void addWeighted(const std::uint8_t* row, const std::int32_t* measure, std::size_t width,
-                                   std::int32_t* __restrict weightSum, float* __restrict sumR, float* __restrict sumG,
-                                   float* __restrict sumB) noexcept
+                                   std::int32_t* __restrict weightSum, float* __restrict blue, float* __restrict green,
+                                   float* __restrict red) noexcept
 {
     for (std::size_t x = 0; x < width; ++x) {
         const std::int32_t weight = measure[x] == 0 ? 1 : measure[x];
         weightSum[x] += weight;
-        sumR[x] += static_cast<float>(compressHighlight(row[3 * x + 2]) * weight);
-        sumG[x] += static_cast<float>(compressHighlight(row[3 * x + 1]) * weight);
-        sumB[x] += static_cast<float>(compressHighlight(row[3 * x]) * weight);
+        blue[x] += static_cast<float>(compressHighlight(row[3 * x]) * weight);
+        green[x] += static_cast<float>(compressHighlight(row[3 * x + 1]) * weight);
+        red[x] += static_cast<float>(compressHighlight(row[3 * x + 2]) * weight);
     }
 }
 
@@ -30,28 +30,28 @@ TESMOR_CPU_CLONES void divide(float* sums, const std::int32_t* weightSums, std::
 } // namespace
 
 WeightedMean::WeightedMean(const ImageLayout& layout) noexcept
-    : layout_(layout), weightSum_(makeZeroedArray<std::int32_t>(layout.pixelCount())),
-      sumR_(makeZeroedArray<float>(layout.pixelCount())), sumG_(makeZeroedArray<float>(layout.pixelCount())),
-      sumB_(makeZeroedArray<float>(layout.pixelCount()))
+    : layout_(layout), weightSum_(makeZeroedArray<std::int32_t>(layout.pixelCount()))
 {
+    for (auto& sums : sums_)
+        sums = makeZeroedArray<float>(layout.pixelCount());
 }
 
 bool WeightedMean::ready() const noexcept
 {
-    return weightSum_ && sumR_ && sumG_ && sumB_;
+    return weightSum_ && sums_[0] && sums_[1] && sums_[2];
 }
 
 void WeightedMean::addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* measure) noexcept
 {
     const std::size_t first = static_cast<std::size_t>(layout_.width) * static_cast<std::size_t>(y);
     addWeighted(imageRow, measure, static_cast<std::size_t>(layout_.width), weightSum_.get() + first,
-                sumR_.get() + first, sumG_.get() + first, sumB_.get() + first);
+                sums_[0].get() + first, sums_[1].get() + first, sums_[2].get() + first);
 }
 
 void WeightedMean::normalise() noexcept
 {
-    for (float* sums : {sumR_.get(), sumG_.get(), sumB_.get()})
-        divide(sums, weightSum_.get(), layout_.pixelCount());
+    for (auto& sums : sums_)
+        divide(sums.get(), weightSum_.get(), layout_.pixelCount());
 }
 
 } // namespace tesmor

@@ -28,24 +28,16 @@ public:
     // Turns the sums into means; no row can be added after it. Without any image every mean is not a number.
     void normalise() noexcept;
 
-    // Planes of width x height values, valid after normalise.
-    const float* red() const noexcept
+    // The means of one colour, width x height values; valid after normalise. 0 is blue, 1 green, 2 red.
+    const float* means(std::size_t colour) const noexcept
     {
-        return sumR_.get();
-    }
-    const float* green() const noexcept
-    {
-        return sumG_.get();
-    }
-    const float* blue() const noexcept
-    {
-        return sumB_.get();
+        return sums_[colour].get();
     }
 
 private:
     ImageLayout layout_;
     ZeroedArray<std::int32_t> weightSum_;
-    ZeroedArray<float> sumR_, sumG_, sumB_; // the means in the end
+    ZeroedArray<float> sums_[COLOURS]; // the means in the end
 };
 
 } // namespace tesmor
