@@ -2,10 +2,9 @@
 
 #include "command_line.h"
 #include "fusion_job.h"
-#include "image_files.h"
+#include "image_series.h"
 #include "interrupt.h"
 #include "library_session.h"
-#include "memory.h"
 #include "output_file.h"
 #include "progress_bar.h"
 #include "subcommand.h"
@@ -16,7 +15,6 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <vector>
@@ -70,17 +68,7 @@ QSize checkImages(const QStringList& files)
 {
     if (files.size() > MOST_IMAGES)
         throw UserError(QString("%1 images are too many; name at most %2").arg(files.size()).arg(MOST_IMAGES));
-    const QString& first = files.first();
-    const QSize size = readImageSize(first);
-    if (std::min(size.width(), size.height()) < LEAST_SIDE)
-        throw UserError(QString("%1: has only %2 pixels; 2 x 2 are the least").arg(first, sizeText(size)));
-    for (const QString& file : files) {
-        const QSize other = readImageSize(file);
-        if (other != size)
-            throw UserError(QString("%1: has %2 pixels, but %3 has %4; images of one size can be merged")
-                                .arg(file, sizeText(other), first, sizeText(size)));
-    }
-    return size;
+    return readCommonSize(files, LEAST_SIDE);
 }
 
 void checkOutput(const Request& request, QSize size)
@@ -99,31 +87,6 @@ void say(const Request& request, const QString& text)
         return;
     std::printf("%s\n", qPrintable(text));
     std::fflush(stdout);
-}
-
-UserError memoryError(std::uint64_t needed)
-{
-    return UserError(
-        QString("not enough memory, about %1 are needed; close other programs, or merge fewer or smaller images")
-            .arg(memoryText(needed)));
-}
-
-void checkMemory(std::uint64_t needed)
-{
-    const auto available = availableMemory();
-    if (available && needed > *available)
-        throw memoryError(needed);
-}
-
-std::vector<QImage> readImages(const QStringList& files, QSize size, ProgressBar::Style style)
-{
-    ProgressBar bar("Reading", style);
-    std::vector<QImage> images;
-    for (const QString& file : files) {
-        bar.show(static_cast<int>(100 * images.size() / static_cast<std::size_t>(files.size())));
-        images.push_back(readFrame(file, size));
-    }
-    return images;
 }
 
 // Keeps the scale and the colour profile of the first image.
@@ -147,11 +110,11 @@ int fuse(const Request& request)
         QString("Merging %1 of %2 pixels; this takes about %3 of memory")
             .arg(request.files.size() == 1 ? QString("1 image") : QString("%1 images").arg(request.files.size()),
                  sizeText(size), memoryText(memory)));
-    checkMemory(memory);
+    requireFusionMemory(memory);
 
-    const ProgressBar::Style style = ProgressBar::styleOfOutput(request.quiet);
-    ProgressBar total({}, ProgressBar::Style::SILENT);
-    const std::vector<QImage> images = readImages(request.files, size, style);
+    const LiveLine::Style style = LiveLine::styleOfOutput(request.quiet);
+    ProgressBar total({}, LiveLine::Style::SILENT);
+    const std::vector<QImage> images = readFrames(request.files, size, style);
     QImage output = makeOutput(images.front());
     std::int32_t result = TESMOR_SUCCESS;
     {
@@ -160,7 +123,7 @@ int fuse(const Request& request)
         result = mergeImages(images, output, bar);
     }
     if (result == TESMOR_NO_MEMORY)
-        throw memoryError(memory);
+        throw fusionMemoryError(memory);
     if (result == TESMOR_ABORTED)
         throw Interrupted();
     say(request, "Writing " + request.output);

@@ -1,84 +1,33 @@
 #include "fusion_job.h"
 
 #include "interrupt.h"
-#include "subcommand.h"
+#include "library_command.h"
+#include "memory.h"
 #include "tesmor.h"
+#include "text.h"
 
-#include <chrono>
-#include <condition_variable>
-#include <mutex>
-#include <optional>
-#include <thread>
+#include <atomic>
 
 namespace tesmor::apps {
 
 namespace {
 
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
-
-constexpr auto TICK = 50ms; // between two looks at the interruption
-constexpr auto PATIENCE = 500ms;
 constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 64;
 constexpr std::uint64_t IMAGE_BYTES_PER_PIXEL = 3;
 
 // What the library's worker tells, for the thread that waits.
-class FusionReports {
-public:
+struct FusionReports {
+    CommandResult result;
+    std::atomic<int> percent = 0;
+
     static void receive(const std::uint8_t* image, std::int32_t, std::int32_t, void* context, std::int32_t result)
     {
         auto& reports = *static_cast<FusionReports*>(context);
-        const std::lock_guard lock(reports.mutex_);
         if (image == nullptr)
-            reports.percent_ = result;
+            reports.percent = result;
         else
-            reports.result_ = result;
-        reports.changed_.notify_one();
+            reports.result.set(result);
     }
-
-    // The fusion's result; none when a tick went by without it.
-    std::optional<std::int32_t> waitForResult()
-    {
-        std::unique_lock lock(mutex_);
-        changed_.wait_for(lock, TICK, [this] { return result_.has_value(); });
-        return result_;
-    }
-
-    int percent() const
-    {
-        const std::lock_guard lock(mutex_);
-        return percent_;
-    }
-
-private:
-    mutable std::mutex mutex_;
-    std::condition_variable changed_;
-    std::optional<std::int32_t> result_;
-    int percent_ = 0;
-};
-
-// Aborts the command in hand from a thread of its own, since tesmor_cancelif waits until the worker has ended it.
-class Cancellation {
-public:
-    ~Cancellation()
-    {
-        if (thread_.joinable())
-            thread_.join();
-    }
-
-    void startOrGiveUp()
-    {
-        if (!thread_.joinable()) {
-            giveUpTime_ = Clock::now() + PATIENCE;
-            thread_ = std::thread(tesmor_cancelif);
-        } else if (Clock::now() > giveUpTime_) {
-            leaveInterrupted();
-        }
-    }
-
-private:
-    std::thread thread_;
-    Clock::time_point giveUpTime_;
 };
 
 } // namespace
@@ -89,24 +38,31 @@ std::uint64_t fusionMemory(QSize size, std::size_t imageCount)
     return pixels * (FUSION_BYTES_PER_PIXEL + IMAGE_BYTES_PER_PIXEL * (imageCount + 1));
 }
 
+void requireFusionMemory(std::uint64_t needed)
+{
+    const auto available = availableMemory();
+    if (available && needed > *available)
+        throw fusionMemoryError(needed);
+}
+
+UserError fusionMemoryError(std::uint64_t needed)
+{
+    return UserError(
+        QString("not enough memory, about %1 are needed; close other programs, or merge fewer or smaller images")
+            .arg(memoryText(needed)));
+}
+
 std::int32_t mergeImages(const std::vector<QImage>& images, QImage& output, ProgressBar& bar)
 {
     std::vector<const std::uint8_t*> frames;
     for (const QImage& image : images)
         frames.push_back(image.constBits());
 
-    InterruptGuard guard;
+    const InterruptGuard guard;
     FusionReports reports;
-    Cancellation cancellation;
     tesmor_fusion(frames.data(), frames.size(), static_cast<std::uint32_t>(output.width()),
                   static_cast<std::uint32_t>(output.height()), output.bits(), FusionReports::receive, &reports);
-    while (true) {
-        if (const auto result = reports.waitForResult())
-            return interrupted() ? TESMOR_ABORTED : *result;
-        bar.show(reports.percent());
-        if (interrupted())
-            cancellation.startOrGiveUp();
-    }
+    return waitForResult(reports.result, [&] { bar.show(reports.percent); });
 }
 
 } // namespace tesmor::apps

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "progress_bar.h"
+#include "subcommand.h"
 
 #include <QImage>
 
@@ -12,6 +13,12 @@ namespace tesmor::apps {
 
 // Bytes that a run needs in all: the fusion's own memory, the images and the output.
 std::uint64_t fusionMemory(QSize size, std::size_t imageCount);
+
+// Throws when there is less.
+void requireFusionMemory(std::uint64_t needed);
+
+// To be thrown when it turns out later.
+UserError fusionMemoryError(std::uint64_t needed);
 
 // Within a LibrarySession.
 //   images   at most 128, all of output's size and of format BGR888, at least 2 x 2 pixels

@@ -1,4 +1,5 @@
 // The command `tesmor`: finds the subcommand, runs it, and turns its failure into a line and an exit status.
+#include "demo_command.h"
 #include "devices_command.h"
 #include "fuse_command.h"
 #include "interrupt.h"
@@ -18,6 +19,7 @@ namespace tesmor::apps {
 namespace {
 
 constexpr Subcommand SUBCOMMANDS[] = {
+    {"demo", "show a whole session on a simulated microscope; needs no camera", runDemo},
     {"devices", "list the focus drives that are there", runDevices},
     {"fuse", "merge a focus stack into one image that is sharp throughout", runFuse},
     {"microscope", "run a simulated microscope, with a drive and live frames", runMicroscope},

@@ -2,9 +2,7 @@
 
 #include "text.h"
 
-#include <unistd.h>
-
-#include <cstdio>
+#include <algorithm>
 
 namespace tesmor::apps {
 
@@ -12,45 +10,27 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto TIME_BETWEEN_DRAWINGS = 100ms;
 constexpr auto TIME_BETWEEN_LINES = 5s;
 constexpr int BAR_LENGTH = 30; // characters
 
-void print(const QString& text)
-{
-    std::fputs(qPrintable(text), stdout);
-    std::fflush(stdout);
-}
-
 } // namespace
 
-ProgressBar::Style ProgressBar::styleOfOutput(bool quiet)
-{
-    if (quiet)
-        return Style::SILENT;
-    return isatty(STDOUT_FILENO) != 0 ? Style::BAR : Style::LINES;
-}
-
-ProgressBar::ProgressBar(const QString& label, Style style)
-    : label_(label), style_(style), start_(Clock::now()), lastOutput_(start_), firstStepTime_(start_),
+ProgressBar::ProgressBar(const QString& label, LiveLine::Style style)
+    : line_(style, TIME_BETWEEN_LINES), label_(label), start_(Clock::now()), firstStepTime_(start_),
       lastStepTime_(start_)
 {
-}
-
-ProgressBar::~ProgressBar()
-{
-    if (drawn_)
-        print("\r\033[K");
 }
 
 void ProgressBar::show(int percent)
 {
     const auto now = Clock::now();
     noteSteps(percent, now);
-    if (style_ == Style::BAR && (!drawn_ || now - lastOutput_ >= TIME_BETWEEN_DRAWINGS))
-        drawBar(now);
-    else if (style_ == Style::LINES && now - lastOutput_ >= TIME_BETWEEN_LINES)
-        printLine(now);
+    const QString time = durationText(now - start_) + remainingText(now);
+    if (line_.style() == LiveLine::Style::IN_PLACE)
+        line_.show(
+            QString("%1 %2 %3 %  %4").arg(label_, barText(percent_ / 100.0, BAR_LENGTH)).arg(percent_, 3).arg(time));
+    else
+        line_.show(QString("%1: %2 % after %3").arg(label_).arg(percent_).arg(time));
 }
 
 std::chrono::duration<double> ProgressBar::elapsed() const
@@ -81,24 +61,6 @@ QString ProgressBar::remainingText(Clock::time_point now) const
     const std::chrono::duration<double> sinceStep = now - lastStepTime_;
     const auto remaining = stepsTook * (100 - percent_) / (percent_ - firstStep_) - sinceStep;
     return remaining < 1s ? QString(", almost done") : QString(", about %1 left").arg(durationText(remaining));
-}
-
-void ProgressBar::drawBar(Clock::time_point now)
-{
-    const int filled = BAR_LENGTH * percent_ / 100;
-    print(QString("\r%1 [%2%3] %4 %  %5%6\033[K")
-              .arg(label_, QString(filled, '#'), QString(BAR_LENGTH - filled, '.'))
-              .arg(percent_, 3)
-              .arg(durationText(now - start_), remainingText(now)));
-    lastOutput_ = now;
-    drawn_ = true;
-}
-
-void ProgressBar::printLine(Clock::time_point now)
-{
-    print(
-        QString("%1: %2 % after %3%4\n").arg(label_).arg(percent_).arg(durationText(now - start_), remainingText(now)));
-    lastOutput_ = now;
 }
 
 } // namespace tesmor::apps

@@ -1,5 +1,7 @@
 #include "text.h"
 
+#include <algorithm>
+
 namespace tesmor::apps {
 
 QString sizeText(QSize size)
@@ -24,6 +26,12 @@ QString durationText(std::chrono::duration<double> duration)
     if (seconds < 3600)
         return QString("%1 min %2 s").arg(seconds / 60).arg(seconds % 60);
     return QString("%1 h %2 min").arg(seconds / 3600).arg(seconds / 60 % 60);
+}
+
+QString barText(double share, int length)
+{
+    const int filled = static_cast<int>(std::clamp(share, 0.0, 1.0) * length);
+    return QString("[%1%2]").arg(QString(filled, '#'), QString(length - filled, '.'));
 }
 
 } // namespace tesmor::apps

@@ -18,4 +18,7 @@ QString memoryText(std::uint64_t bytes);
 // "7 s", "2 min 45 s", "1 h 2 min"; cut, not rounded
 QString durationText(std::chrono::duration<double> duration);
 
+// "[######....]": filled by a share of 0 to 1; `length` characters within the brackets
+QString barText(double share, int length);
+
 } // namespace tesmor::apps

@@ -1,0 +1,23 @@
+// Axes of our charts.
+#pragma once
+
+#include <QFont>
+#include <QString>
+#include <QValueAxis>
+
+namespace tesmor::apps {
+
+struct Range {
+    double low;
+    double high; // above low, for an axis
+
+    void include(double value);
+    Range widened(double share) const; // at either end
+};
+
+QFont chartFont(double points, bool bold = false);
+
+// With four to nine ticks at round numbers. It belongs to the chart that it is added to.
+QValueAxis* makeAxis(const QString& title, const Range& range);
+
+} // namespace tesmor::apps

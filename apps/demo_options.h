@@ -1,0 +1,28 @@
+// The command line of `tesmor demo`.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <optional>
+
+namespace tesmor::apps {
+
+struct DemoOptions {
+    QString output;
+    std::uint64_t seed;
+    std::uint16_t magnification;
+    std::optional<int> offset;  // motor steps, of the start from the true focus
+    std::optional<int> slices;  // 1 to 128
+    std::optional<int> spacing; // units of the objective, 1 or more; a slice is at most 65535 motor steps from the next
+    std::optional<QString> planes;
+};
+
+// Motor steps of a unit of slice spacing, as tesmor_startif has it.
+int stepsPerUnit(std::uint16_t magnification);
+
+// None when the help was asked for, and printed. Throws UsageError.
+std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments);
+
+} // namespace tesmor::apps
