@@ -15,22 +15,41 @@ namespace {
 constexpr std::size_t NAME_CHARACTERS = 32;
 constexpr DWORD TARGET_CHARACTERS = 260;
 
+HANDLE fileOf(DeviceHandle device) noexcept
+{
+    return reinterpret_cast<HANDLE>(device);
+}
+
 // What the system writes to when a read ends, which may be long after the wait for it, and even after its device was
 // closed.
 struct Read {
+    DeviceHandle device; // INVALID_DEVICE once it is closed
     OVERLAPPED overlapped{};
     std::uint8_t byte = 0;
     Read* next = nullptr;
+
+    // True also when the read goes on in the background.
+    bool begin() noexcept
+    {
+        return ReadFile(fileOf(device), &byte, 1, nullptr, &overlapped) || GetLastError() == ERROR_IO_PENDING;
+    }
 
     bool ended() const noexcept
     {
         return HasOverlappedIoCompleted(&overlapped);
     }
+
+    // Of a read that has ended.
+    bool tookByte() noexcept
+    {
+        DWORD count = 0;
+        return device != INVALID_DEVICE && GetOverlappedResult(fileOf(device), &overlapped, &count, TRUE);
+    }
 };
 
-// The reads that nobody waits for any more. Several of them share one event: a byte that one of them takes wakes the
-// wait for the newest.
-class LeftReads {
+// The reads that have begun. One that timed out goes on and may take a byte before the next one does, also between two
+// waits: the byte counts for whoever waits next.
+class Reads {
 public:
     void add(Read* read) noexcept
     {
@@ -38,35 +57,39 @@ public:
         first_ = read;
     }
 
-    void freeEnded() noexcept
+    // Whether a byte has come from `device` that was not taken yet; takes it. Frees every read that has ended, but for
+    // those whose bytes are still to be taken.
+    bool takeByte(DeviceHandle device) noexcept
     {
+        bool taken = false;
         for (Read** link = &first_; *link;) {
             Read* const read = *link;
-            if (read->ended()) {
-                *link = read->next;
-                delete read;
-            } else {
+            if (!read->ended() || (read->tookByte() && (taken || read->device != device))) {
                 link = &read->next;
+                continue;
             }
+            taken = taken || read->tookByte();
+            *link = read->next;
+            delete read;
         }
+        return taken;
+    }
+
+    // What its reads bring is of no interest any more.
+    void disown(DeviceHandle device) noexcept
+    {
+        for (Read* read = first_; read; read = read->next) {
+            if (read->device == device)
+                read->device = INVALID_DEVICE;
+        }
+        takeByte(INVALID_DEVICE);
     }
 
 private:
     Read* first_ = nullptr;
 };
 
-constinit LeftReads leftReads; // without a destructor: the system may still write to them when the process ends
-
-HANDLE fileOf(DeviceHandle device) noexcept
-{
-    return reinterpret_cast<HANDLE>(device);
-}
-
-// True also when the read goes on in the background.
-bool beginRead(DeviceHandle device, Read& read) noexcept
-{
-    return ReadFile(fileOf(device), &read.byte, 1, nullptr, &read.overlapped) || GetLastError() == ERROR_IO_PENDING;
-}
+constinit Reads reads; // without a destructor: the system may still write to them when the process ends
 
 } // namespace
 
@@ -98,29 +121,24 @@ bool controlDevice(DeviceHandle device, std::uint32_t code, std::span<const std:
 
 bool readDeviceByte(DeviceHandle device, Event* completion, std::uint32_t timeoutMs) noexcept
 {
-    leftReads.freeEnded();
     if (device == INVALID_DEVICE || !completion)
         return false;
-    Read* const read = new (std::nothrow) Read;
+    Read* const read = new (std::nothrow) Read{device};
     if (!read)
         return false;
     read->overlapped.hEvent = completion->native();
-    if (!beginRead(device, *read)) {
+    if (!read->begin()) {
         delete read;
         return false;
     }
-    DWORD count = 0;
-    const bool succeeded =
-        completion->waitFor(timeoutMs) && GetOverlappedResult(fileOf(device), &read->overlapped, &count, TRUE);
-    leftReads.add(read);
-    leftReads.freeEnded();
-    return succeeded;
+    reads.add(read);
+    return reads.takeByte(device) || (completion->waitFor(timeoutMs) && reads.takeByte(device));
 }
 
 void closeDevice(DeviceHandle device) noexcept
 {
     CloseHandle(fileOf(device));
-    leftReads.freeEnded();
+    reads.disown(device);
 }
 
 } // namespace tesmor::platform
