@@ -1,7 +1,7 @@
 #include "demo_session.h"
 
-#include "interrupt.h"
 #include "fusion_job.h"
+#include "interrupt.h"
 #include "library_command.h"
 #include "subcommand.h"
 #include "tesmor.h"
