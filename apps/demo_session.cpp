@@ -1,5 +1,6 @@
 #include "demo_session.h"
 
+#include "fusion_job.h"
 #include "interrupt.h"
 #include "library_command.h"
 #include "subcommand.h"

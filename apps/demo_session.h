@@ -4,7 +4,7 @@
 
 #include "focus_trace.h"
 #include "frame_watch.h"
-#include "fusion_job.h"
+#include "library_session.h"
 #include "live_line.h"
 #include "microscope/virtual_microscope.h"
 

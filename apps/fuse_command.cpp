@@ -1,8 +1,10 @@
 #include "fuse_command.h"
 
+#include "command_line.h"
 #include "fusion_job.h"
 #include "image_series.h"
 #include "interrupt.h"
+#include "library_session.h"
 #include "output_file.h"
 #include "progress_bar.h"
 #include "subcommand.h"
@@ -10,7 +12,6 @@
 #include "text.h"
 
 #include <QColorSpace>
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
 
@@ -39,6 +40,7 @@ struct Request {
     QStringList files;
     QString output;
     bool quiet;
+    bool json;
 };
 
 // None when the help was asked for, and printed.
@@ -50,17 +52,15 @@ std::optional<Request> parseArguments(const QStringList& arguments)
     parser.addOptions({
         {{"o", "output"}, "Write to OUT, in the format of its name. An older OUT is replaced.", "OUT", "fused.png"},
         {{"q", "quiet"}, "Say nothing but errors."},
-        {{"h", "help"}, "Show this help."},
+        {"json", "As --quiet, but answer with one line of JSON: "
+                 "{\"height\":675,\"images\":8,\"output\":\"sharp.png\",\"seconds\":2.5,\"width\":1200}."},
     });
-    if (!parser.parse(arguments))
-        throw UsageError(parser.errorText().chopped(parser.errorText().endsWith('.') ? 1 : 0));
-    if (parser.isSet("help")) {
-        std::fputs(qPrintable(parser.helpText()), stdout);
+    if (!parseCommandLine(parser, arguments))
         return std::nullopt;
-    }
     if (parser.positionalArguments().isEmpty())
         throw UsageError("no images named");
-    return Request{parser.positionalArguments(), parser.value("output"), parser.isSet("quiet")};
+    const bool json = parser.isSet("json");
+    return Request{parser.positionalArguments(), parser.value("output"), json || parser.isSet("quiet"), json};
 }
 
 // The size that all images share.
@@ -81,6 +81,14 @@ void checkOutput(const Request& request, QSize size)
     checkOutputFile(request.output, size);
 }
 
+void say(const Request& request, const QString& text)
+{
+    if (request.quiet)
+        return;
+    std::printf("%s\n", qPrintable(text));
+    std::fflush(stdout);
+}
+
 // Keeps the scale and the colour profile of the first image.
 QImage makeOutput(const QImage& first)
 {
@@ -98,11 +106,10 @@ int fuse(const Request& request)
     const QSize size = checkImages(request.files);
     const std::uint64_t memory = fusionMemory(size, static_cast<std::size_t>(request.files.size()));
     checkOutput(request, size);
-    if (!request.quiet) {
-        std::printf("Merging %d images of %s pixels; this takes about %s of memory.\n",
-                    static_cast<int>(request.files.size()), qPrintable(sizeText(size)), qPrintable(memoryText(memory)));
-        std::fflush(stdout);
-    }
+    say(request,
+        QString("Merging %1 of %2 pixels; this takes about %3 of memory")
+            .arg(request.files.size() == 1 ? QString("1 image") : QString("%1 images").arg(request.files.size()),
+                 sizeText(size), memoryText(memory)));
     requireFusionMemory(memory);
 
     const LiveLine::Style style = LiveLine::styleOfOutput(request.quiet);
@@ -119,9 +126,15 @@ int fuse(const Request& request)
         throw fusionMemoryError(memory);
     if (result == TESMOR_ABORTED)
         throw Interrupted();
+    say(request, "Writing " + request.output);
     writeOutputFile(request.output, output);
-    if (!request.quiet)
-        std::printf("Wrote %s in %s.\n", qPrintable(request.output), qPrintable(durationText(total.elapsed())));
+    say(request, "Done in " + durationText(total.elapsed()));
+    if (request.json)
+        printJson({{"output", request.output},
+                   {"images", request.files.size()},
+                   {"width", size.width()},
+                   {"height", size.height()},
+                   {"seconds", total.elapsed().count()}});
     return STATUS_DONE;
 }
 

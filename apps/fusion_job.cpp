@@ -12,7 +12,7 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 131;
+constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 64;
 constexpr std::uint64_t IMAGE_BYTES_PER_PIXEL = 3;
 
 // What the library's worker tells, for the thread that waits.
@@ -31,17 +31,6 @@ struct FusionReports {
 };
 
 } // namespace
-
-LibrarySession::LibrarySession()
-{
-    if (tesmor_init() == 0)
-        throw UserError("the system has no thread to spare; close other programs");
-}
-
-LibrarySession::~LibrarySession()
-{
-    tesmor_fini();
-}
 
 std::uint64_t fusionMemory(QSize size, std::size_t imageCount)
 {

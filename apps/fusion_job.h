@@ -11,15 +11,6 @@
 
 namespace tesmor::apps {
 
-// The library's worker runs as long as this lives. One at a time. Throws UserError when there is no thread to be had.
-class LibrarySession {
-public:
-    LibrarySession();
-    ~LibrarySession();
-    LibrarySession(const LibrarySession&) = delete;
-    LibrarySession& operator=(const LibrarySession&) = delete;
-};
-
 // Bytes that a run needs in all: the fusion's own memory, the images and the output.
 std::uint64_t fusionMemory(QSize size, std::size_t imageCount);
 

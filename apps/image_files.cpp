@@ -1,10 +1,12 @@
 #include "image_files.h"
 
+#include "decoder_messages.h"
 #include "subcommand.h"
 #include "text.h"
 
 #include <QFileInfo>
 #include <QImageReader>
+#include <QtEndian>
 
 namespace tesmor::apps {
 
@@ -38,25 +40,45 @@ void open(QImageReader& reader, const QString& file)
                             .arg(file, QString::number(reader.imageCount())));
 }
 
+UserError damaged(const QString& file, const QString& detail)
+{
+    return UserError(QString("%1: is damaged (%2); copy or save it anew").arg(file, detail));
+}
+
+// Qt takes the missing end of a BMP file for black pixels.
+bool isCutBmp(const QString& name)
+{
+    constexpr qint64 SIZE_OFFSET = 2; // of the file size in the header: 4 bytes after the letters BM
+    QFile file(name);
+    if (!file.open(QIODevice::ReadOnly))
+        return true;
+    const QByteArray start = file.read(SIZE_OFFSET + 4);
+    return start.startsWith("BM") && file.size() < qFromLittleEndian<quint32>(start.constData() + SIZE_OFFSET);
+}
+
 } // namespace
 
 QSize readImageSize(const QString& file)
 {
+    const DecoderMessages messages;
     QImageReader reader;
     open(reader, file);
     const QSize size = reader.size();
     if (size.isEmpty())
-        throw UserError(file + ": is damaged; copy or save it anew");
+        throw damaged(file, "its size cannot be read");
     return reader.transformation() & QImageIOHandler::TransformationRotate90 ? size.transposed() : size;
 }
 
 QImage readFrame(const QString& file, QSize size)
 {
+    const DecoderMessages messages;
     QImageReader reader;
     open(reader, file);
     QImage image = reader.read();
     if (image.isNull())
-        throw UserError(QString("%1: is damaged (%2); copy or save it anew").arg(file, reader.errorString()));
+        throw damaged(file, reader.errorString());
+    if (messages.tellOfCutFile() || isCutBmp(file))
+        throw damaged(file, "its end is missing");
     if (image.size() != size)
         throw UserError(QString("%1: has changed from %2 to %3 pixels meanwhile; start again")
                             .arg(file, sizeText(size), sizeText(image.size())));

@@ -13,8 +13,8 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto TICK = 100ms; // between two looks at the interruption
-constexpr auto PATIENCE = 700ms;
+constexpr auto TICK = 50ms; // between two looks at the interruption
+constexpr auto PATIENCE = 500ms;
 
 // Aborts the command in hand from a thread of its own, since tesmor_cancelif waits until the worker has ended it.
 class Cancellation {

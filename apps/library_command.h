@@ -15,7 +15,7 @@ public:
     // From a callback, on any thread.
     void set(std::int32_t result);
 
-    // None when 100 ms went by without it.
+    // None when 50 ms went by without it.
     std::optional<std::int32_t> waitATick();
 
 private:
@@ -25,7 +25,7 @@ private:
 };
 
 // Within an InterruptGuard, and on the thread that posted.
-//   eachTick   called about ten times a second meanwhile
+//   eachTick   called about twenty times a second meanwhile
 // Returns the result, or, after an interruption, TESMOR_ABORTED. When the library does not end within a second of an
 // interruption, it is not waited for: the program ends here with status 130.
 std::int32_t waitForResult(CommandResult& result, const std::function<void()>& eachTick);

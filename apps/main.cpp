@@ -1,7 +1,10 @@
 // The command `tesmor`: finds the subcommand, runs it, and turns its failure into a line and an exit status.
 #include "demo_command.h"
+#include "devices_command.h"
 #include "fuse_command.h"
 #include "interrupt.h"
+#include "microscope_command.h"
+#include "move_command.h"
 #include "subcommand.h"
 #include "tesmor.h"
 
@@ -17,7 +20,10 @@ namespace {
 
 constexpr Subcommand SUBCOMMANDS[] = {
     {"demo", "show a whole session on a simulated microscope; needs no camera", runDemo},
+    {"devices", "list the focus drives that are there", runDevices},
     {"fuse", "merge a focus stack into one image that is sharp throughout", runFuse},
+    {"microscope", "run a simulated microscope, with a drive and live frames", runMicroscope},
+    {"move", "turn the focus by hand", runMove},
 };
 
 constexpr const char* USAGE = "Usage: tesmor SUBCOMMAND [ARGUMENT]...\n"
@@ -29,7 +35,7 @@ void printHelp()
     std::printf("%s\nAutofocus, focus stacks and multi-focus image fusion for microscope cameras.\n\nSubcommands:\n",
                 USAGE);
     for (const Subcommand& subcommand : SUBCOMMANDS)
-        std::printf("  %-9s %s\n", subcommand.name, subcommand.summary);
+        std::printf("  %-11s %s\n", subcommand.name, subcommand.summary);
     std::printf("\nExample: merge five photographs taken at different focus\n"
                 "  tesmor fuse -o sharp.png slice-1.png slice-2.png slice-3.png slice-4.png slice-5.png\n");
 }

@@ -75,13 +75,14 @@ void writeOutputFile(const QString& file, const QImage& image)
     QSaveFile output(file);
     if (!output.open(QIODevice::WriteOnly))
         throw writeError(file, output);
-    for (qint64 done = 0; done < bytes.size(); done += CHUNK) {
-        const qint64 count = std::min<qint64>(CHUNK, bytes.size() - done);
-        if (output.write(bytes.constData() + done, count) != count)
+    for (qint64 done = 0; done < bytes.size();) {
+        const qint64 count = output.write(bytes.constData() + done, std::min<qint64>(CHUNK, bytes.size() - done));
+        if (count <= 0)
             throw writeError(file, output);
+        done += count;
         throwIfInterrupted();
     }
-    if (!output.commit())
+    if (!output.flush() || !output.commit()) // commit() alone overlooks what fails in its own flush
         throw writeError(file, output);
 }
 

@@ -53,12 +53,14 @@ void ProgressBar::noteSteps(int percent, Clock::time_point now)
 // From the pace since the first step, and counting down between two steps.
 QString ProgressBar::remainingText(Clock::time_point now) const
 {
+    if (percent_ == 0)
+        return ", getting ready";
     if (percent_ == firstStep_)
         return {};
     const std::chrono::duration<double> stepsTook = lastStepTime_ - firstStepTime_;
     const std::chrono::duration<double> sinceStep = now - lastStepTime_;
     const auto remaining = stepsTook * (100 - percent_) / (percent_ - firstStep_) - sinceStep;
-    return QString(", about %1 left").arg(durationText(std::max(remaining, std::chrono::duration<double>::zero())));
+    return remaining < 1s ? QString(", almost done") : QString(", about %1 left").arg(durationText(remaining));
 }
 
 } // namespace tesmor::apps

@@ -1,5 +1,7 @@
 #include "microscope/drive_controller.h"
 
+#include "microscope/drive_command.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -8,55 +10,7 @@ namespace tesmor::microscope {
 
 namespace {
 
-constexpr std::uint32_t REQUEST_CODE = 0x222059;
-constexpr std::uint32_t RESET_CODE = 0x222035;
-constexpr std::size_t REQUEST_BYTES = 10;
-constexpr std::size_t RESET_BYTES = 4;
-
-constexpr std::uint8_t MOVE = 209;
-constexpr std::uint8_t OPEN = 210;
-constexpr std::uint8_t CLOSE = 211;
-
-constexpr std::uint16_t FORWARD = 0x0060;
-constexpr std::uint16_t REVERSE = 0x8060;
-
-struct RequestPacket {
-    std::uint8_t request;
-    std::uint16_t value;
-    std::uint16_t index;
-};
-
-std::optional<RequestPacket> parse(std::span<const std::uint8_t> bytes)
-{
-    if (bytes.size() != REQUEST_BYTES)
-        return std::nullopt;
-    const bool addressed = bytes[0] == 0 && bytes[1] == 2 && bytes[2] == 0 && bytes[3] == 0 && bytes[5] == 0;
-    if (!addressed)
-        return std::nullopt;
-    const auto word = [&](std::size_t at) { return static_cast<std::uint16_t>(bytes[at] | bytes[at + 1] << 8); };
-    const RequestPacket packet{bytes[4], word(6), word(8)};
-    switch (packet.request) {
-    case MOVE:
-        if (packet.value == FORWARD || packet.value == REVERSE)
-            return packet;
-        return std::nullopt;
-    case OPEN:
-    case CLOSE:
-        if (packet.value == 0 && packet.index == 0)
-            return packet;
-        return std::nullopt;
-    default:
-        return std::nullopt;
-    }
-}
-
-bool isMove(std::uint32_t code, std::span<const std::uint8_t> input)
-{
-    if (code != REQUEST_CODE)
-        return false;
-    const std::optional<RequestPacket> packet = parse(input);
-    return packet && packet->request == MOVE;
-}
+constexpr std::size_t MOST_LOGGED = 10'000;
 
 bool use(int& count)
 {
@@ -76,6 +30,8 @@ DriveController::Reaction DriveController::request(std::uint32_t code, std::span
     std::lock_guard guard(mutex_);
     const Reaction reaction = react(code, input, now);
     log_.push_back({now, code, {input.begin(), input.end()}, reaction.answer});
+    if (log_.size() > MOST_LOGGED)
+        log_.pop_front();
     return reaction;
 }
 
@@ -86,8 +42,10 @@ DriveController::Reaction DriveController::react(std::uint32_t code, std::span<c
         vanished_ = true;
         return {Answer::vanish, false};
     }
-    const bool refused = use(faults_.refuseRequests) || (isMove(code, input) && use(faults_.refuseMoves));
-    const bool accepted = !refused && carryOut(code, input, now);
+    const std::optional<DriveCommand> command = parseCommand(code, input);
+    const bool isMove = command && command->kind == DriveCommand::Kind::move;
+    const bool refused = !command || use(faults_.refuseRequests) || (isMove && use(faults_.refuseMoves));
+    const bool accepted = !refused && (!isMove || startMove(command->displacement, now));
     if (std::exchange(faults_.vanishBeforeReply, false)) {
         vanished_ = true;
         return {Answer::vanish, false};
@@ -95,19 +53,6 @@ DriveController::Reaction DriveController::react(std::uint32_t code, std::span<c
     if (use(faults_.hangRequests))
         return {Answer::none, false};
     return {accepted ? Answer::accepted : Answer::refused, use(faults_.rubbishReplies)};
-}
-
-bool DriveController::carryOut(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now)
-{
-    if (code == RESET_CODE)
-        return input.size() == RESET_BYTES && std::ranges::all_of(input, [](std::uint8_t byte) { return byte == 0; });
-    const std::optional<RequestPacket> packet = code == REQUEST_CODE ? parse(input) : std::nullopt;
-    if (!packet)
-        return false;
-    if (packet->request != MOVE)
-        return true;
-    const std::int64_t steps = packet->index;
-    return startMove(packet->value == FORWARD ? steps : -steps, now);
 }
 
 bool DriveController::startMove(std::int64_t displacement, Clock::time_point now)
@@ -176,7 +121,7 @@ void DriveController::setFaults(const Faults& faults)
 std::vector<LoggedRequest> DriveController::log() const
 {
     std::lock_guard guard(mutex_);
-    return log_;
+    return {log_.begin(), log_.end()};
 }
 
 void DriveController::clearLog()

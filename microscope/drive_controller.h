@@ -17,6 +17,7 @@
 #include "microscope/request_log.h"
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -68,7 +69,6 @@ private:
     };
 
     Reaction react(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now);
-    bool carryOut(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now);
     bool startMove(std::int64_t displacement, Clock::time_point now);
 
     Motor& motor_;
@@ -76,8 +76,8 @@ private:
 
     mutable std::mutex mutex_; // guards what follows
     Faults faults_;
-    std::vector<LoggedRequest> log_;
-    std::vector<OwedEvent> owed_; // in the order of their moves
+    std::deque<LoggedRequest> log_; // the newest MOST_LOGGED
+    std::vector<OwedEvent> owed_;   // in the order of their moves
     bool vanished_ = false;
 };
 

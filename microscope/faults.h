@@ -8,7 +8,7 @@ namespace tesmor::microscope {
 
 struct Faults {
     int refuseMoves = 0;              // refuse the next n move requests
-    int refuseRequests = 0;           // refuse the next n requests of any kind
+    int refuseRequests = 0;           // refuse the next n well-formed requests of any kind
     int withholdAcknowledgements = 0; // make the next n moves, but never acknowledge them
     int hangRequests = 0;             // carry out the next n requests, but never reply to them
     int rubbishReplies = 0;           // send meaningless packets before each of the next n replies

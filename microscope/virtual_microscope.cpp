@@ -13,38 +13,11 @@
 #include "microscope/view.h"
 
 #include <cmath>
-#include <stdexcept>
 #include <utility>
 
 namespace tesmor::microscope {
 
 namespace {
-
-void require(bool holds, const char* message)
-{
-    if (!holds)
-        throw std::invalid_argument(message);
-}
-
-Settings checked(Settings settings)
-{
-    require(findObjective(settings.magnification), "magnification must be 4, 10, 20, 40, 60, 80 or 100");
-    require(settings.unit < 16, "unit must be 0 to 15");
-    require(settings.framesPerSecond >= 0, "frames per second must not be negative");
-    require(settings.noise >= 0 && settings.noise <= 20, "noise must be 0 to 20 grey levels");
-    require(settings.droppedFrames >= 0 && settings.droppedFrames <= 1, "dropped frames must be 0 to 1");
-    require(settings.timeScale >= 0, "time scale must not be negative");
-    require(settings.motor.stepsPerSecond >= 0, "motor speed must not be negative");
-    require(settings.motor.backlash >= 0, "backlash must not be negative");
-    require(settings.motor.lowEnd <= settings.motor.highEnd, "the low end stop must not lie above the high one");
-    if (settings.photos && !settings.photos->images.empty()) {
-        settings.width = settings.photos->images.front().width;
-        settings.height = settings.photos->images.front().height;
-    }
-    require(settings.width >= 64 && settings.width <= 16384, "frame width must be 64 to 16384 pixels");
-    require(settings.height >= 64 && settings.height <= 16384, "frame height must be 64 to 16384 pixels");
-    return settings;
-}
 
 // Seeds that differ, of things that are to differ.
 enum : std::uint64_t { SPECIMEN_SEED = 1, NOISE_SEED, DROP_SEED };
@@ -58,7 +31,8 @@ std::uint64_t seedOf(const Settings& settings, std::uint64_t thing)
 
 struct VirtualMicroscope::Parts {
     explicit Parts(Settings given)
-        : settings(checked(std::move(given))), objective(*findObjective(settings.magnification)), scene(makeScene()),
+        : settings(checkedSettings(std::move(given))), objective(*findObjective(settings.magnification)),
+          scene(makeScene()),
           motor(settings.motor, TimeScale{settings.timeScale}, std::llround(best) + settings.startOffset),
           sensor(seedOf(settings, NOISE_SEED), settings.photos ? 0 : settings.noise), controller(motor, gate),
           service(controller, settings.unit), camera({seedOf(settings, DROP_SEED), settings.framesPerSecond,
@@ -80,6 +54,8 @@ struct VirtualMicroscope::Parts {
         auto optics = std::make_unique<Optics>(specimen, objective);
         truth = sharpView(*optics);
         best = findBestFocus(*optics, specimen, objective);
+        specimen.colour.values = {}; // only the relief is needed from now on
+        specimen.light = {};
         return optics;
     }
 

@@ -2,7 +2,7 @@
 // to which the library connects as it would to a real camera's. Nothing in it is real; `description` says so.
 //
 // How it works
-//   The constructor makes the specimen and its optics, which takes about a second at 1280 x 960. `start` opens the drive
+//   The constructor makes the specimen and its optics: about a second and 150 MB at 1280 x 960. `start` opens the drive
 //   on its unit and lets the camera deliver frames to the sink; the host passes them on to tesmor_video. Moves that the
 //   library sends turn the motor, and the frames show it. A frame that is delivered after a move was acknowledged was
 //   taken after it: one that was exposed earlier is thrown away and taken anew.
@@ -19,37 +19,16 @@
 //   called from any thread at any time, the sink included. The sink runs on the camera's thread, or within deliverFrame.
 #pragma once
 
-#include "microscope/faults.h"
 #include "microscope/image.h"
-#include "microscope/motor_settings.h"
-#include "microscope/photo_planes.h"
 #include "microscope/request_log.h"
+#include "microscope/settings.h"
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace tesmor::microscope {
-
-struct Settings {
-    std::uint64_t seed = 1;           // of the specimen, the noise and the dropped frames
-    std::uint16_t magnification = 10; // of the objective: 4, 10, 20, 40, 60, 80 or 100
-    std::int32_t width = 1280;        // of a frame, pixels, at least 64; the field of view is the same at any width
-    std::int32_t height = 960;        // likewise
-    std::int64_t startOffset = 0;     // where the motor stands at first: motor steps forward of the best focus
-    unsigned unit = 0;                // of the drive, 0 to 15; the library takes the lowest unit that answers
-
-    double framesPerSecond = 30; // 0: no camera thread, frames come from deliverFrame alone
-    double noise = 1.5;          // grey levels, standard deviation at full brightness; 0: none
-    double droppedFrames = 0;    // share of the frames that the camera loses, 0 to 1
-    double timeScale = 1;        // motor and camera run this many times faster than real; 0: they take no time at
-                                 // all, and the camera delivers frames as fast as it can
-    MotorSettings motor;
-    Faults faults;                     // at first
-    std::optional<PhotoPlanes> photos; // instead of the specimen; they set the frame's size
-};
 
 class VirtualMicroscope {
 public:
@@ -96,12 +75,13 @@ public:
 
     Faults faults() const; // what is left of them
     void setFaults(const Faults& faults);
-    std::vector<LoggedRequest> requestLog() const;
+    std::vector<LoggedRequest> requestLog() const; // the newest 10,000
     bool driveHasVanished() const;
 
     // One line for people: that the microscope is simulated, with its objective and specimen.
     std::string description() const;
-    const Settings& settings() const; // as given; width and height those of the frames
+    const Settings&
+    settings() const; // as given, but for the pixels of photographs; width and height are those of the frames
 
 private:
     struct Parts;

@@ -7,93 +7,22 @@
 // A client must run as root or as the service's own user.
 #include "microscope/drive_service.h"
 
+#include "microscope/linux/link_socket.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
-#include <cstdio>
 #include <ctime>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
-#include <sys/un.h>
-#include <system_error>
 #include <thread>
-#include <unistd.h>
 #include <utility>
 
 namespace tesmor::microscope {
 
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int fd = -1) noexcept : fd_(fd) {}
-
-    Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(fd_, other.fd_);
-        other.close();
-        return *this;
-    }
-
-    ~Descriptor()
-    {
-        close();
-    }
-
-    void close() noexcept
-    {
-        if (fd_ >= 0)
-            ::close(fd_);
-        fd_ = -1;
-    }
-
-    bool isOpen() const noexcept
-    {
-        return fd_ >= 0;
-    }
-
-    int get() const noexcept
-    {
-        return fd_;
-    }
-
-private:
-    int fd_;
-};
-
-Descriptor checked(int fd, const char* what)
-{
-    if (fd < 0)
-        throw std::system_error(errno, std::generic_category(), what);
-    return Descriptor(fd);
-}
-
-Descriptor listenOn(unsigned unit)
-{
-    Descriptor listener =
-        checked(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0), "drive service socket");
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    char* const name = address.sun_path + 1; // the leading 0 makes the name abstract
-    const int nameLength = std::snprintf(name, sizeof address.sun_path - 1, "braskdrv-%u-1010", unit);
-    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + nameLength);
-    if (bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), length) != 0 ||
-        listen(listener.get(), 8) != 0)
-        throw std::system_error(errno, std::generic_category(), "drive unit " + std::to_string(unit));
-    return listener;
-}
-
-bool isTrusted(const Descriptor& client)
-{
-    ucred peer{};
-    socklen_t length = sizeof peer;
-    return getsockopt(client.get(), SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
-           (peer.uid == 0 || peer.uid == geteuid());
-}
 
 timespec timeUntil(Clock::time_point time)
 {
@@ -125,8 +54,8 @@ std::array<std::uint8_t, 5> replyTo(std::uint32_t code, bool accepted)
 class DriveService::Server {
 public:
     Server(DriveController& controller, unsigned unit)
-        : controller_(controller), listener_(listenOn(unit)),
-          stopSignal_(checked(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "drive service stop signal")),
+        : controller_(controller), listener_(listenOnUnit(unit)),
+          stopSignal_(checkedDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK), "drive service stop signal")),
           thread_([this] { serve(); })
     {
     }
@@ -150,8 +79,8 @@ private:
             if (watched[0].revents != 0)
                 return;
             controller_.emitDue(Clock::now(), [this](DriveController::Event event) { emit(event); });
-            while (client_.isOpen() && receiveRequest()) {
-            }
+            if (client_.isOpen() && receiveRequest())
+                continue; // what the client has sent before it went comes before the next client
             if (watched[1].revents != 0)
                 acceptClient();
         }
@@ -161,8 +90,8 @@ private:
 
     void acceptClient()
     {
-        Descriptor newcomer(accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
-        if (newcomer.isOpen() && !client_.isOpen() && isTrusted(newcomer))
+        Descriptor newcomer = acceptTrusted(listener_);
+        if (newcomer.isOpen() && !client_.isOpen())
             client_ = std::move(newcomer);
     }
 

@@ -1,8 +1,5 @@
 #include "frame/focus_measure.h"
 
-#include <algorithm>
-#include <array>
-
 namespace tesmor {
 
 namespace {
@@ -27,31 +24,23 @@ Region centralRegion(std::int32_t width, std::int32_t height, std::uint16_t magn
     return {(width - regionWidth) / 2, (height - regionHeight) / 2, regionWidth, regionHeight};
 }
 
-// 32-bit products that wrap, as a row offset past 2^31 bits must.
+// By the running bit count of the rows above: where the width is no multiple of 4, rows drift against their padding, but
+// never past it.
 const std::uint8_t* rowStart(const std::uint8_t* image, std::int32_t width, std::int32_t row) noexcept
 {
-    const auto bits = static_cast<std::uint32_t>(row) * static_cast<std::uint32_t>(width) * 24u + 31u;
-    return image + static_cast<std::int32_t>(bits) / 32 * 4;
+    return image + (std::int64_t{row} * width * 24 + 31) / 32 * 4;
 }
 
-// Luminance is computed piece by piece into a buffer that stays in the first-level cache, in either pass anew: that
-// costs less than storing a whole region and leaves no allocation that could fail on the host's video thread.
-constexpr std::int32_t PIECE_PIXELS = 512;
-
+// One loop a pass: luminance is computed while the sum before it is still on its way, so that a pass costs no more than
+// its chain of additions, and nothing is stored.
 template <class Accumulate>
 void forEachLuminance(const std::uint8_t* image, std::int32_t width, const Region& region, const LumaTables& tables,
                       Accumulate accumulate) noexcept
 {
-    std::array<double, PIECE_PIXELS> luminance;
     for (std::int32_t row = 0; row < region.height; ++row) {
         const std::uint8_t* pixel = rowStart(image, width, region.top + row) + region.left * 3;
-        for (std::int32_t column = 0; column < region.width; column += PIECE_PIXELS) {
-            const std::int32_t count = std::min(PIECE_PIXELS, region.width - column);
-            for (std::int32_t i = 0; i < count; ++i, pixel += 3)
-                luminance[i] = tables.lumaR[pixel[2]] + tables.lumaG[pixel[1]] + tables.lumaB[pixel[0]];
-            for (std::int32_t i = 0; i < count; ++i)
-                accumulate(luminance[i]);
-        }
+        for (std::int32_t column = 0; column < region.width; ++column, pixel += 3)
+            accumulate(tables.lumaR[pixel[2]] + tables.lumaG[pixel[1]] + tables.lumaB[pixel[0]]);
     }
 }
 

@@ -5,10 +5,21 @@
 #include "frame/focus_measure.h"
 
 #include <mutex>
+#include <optional>
 
 namespace tesmor {
 
 namespace {
+
+// The command that waits for a frame. Request and command are taken at once: a request that its command gives up
+// meanwhile must not be served for the command that is posted next.
+std::optional<CommandBlock> takeRequest() noexcept
+{
+    std::lock_guard guard(library.commandLock);
+    if (library.frameRequest.exchange(0) == 0)
+        return std::nullopt;
+    return library.commandBlock;
+}
 
 void serveFrame(const CommandBlock& block, const std::uint8_t* image, std::int32_t width, std::int32_t height)
 {
@@ -35,9 +46,8 @@ void handleFrame(const std::uint8_t* image, std::int32_t width, std::int32_t hei
 {
     if (library.frameRequest.load(std::memory_order_relaxed) == 0)
         return;
-    if (library.frameRequest.exchange(0) == 0)
-        return;
-    serveFrame(library.copyCommandBlock(), image, width, height);
+    if (const std::optional<CommandBlock> block = takeRequest())
+        serveFrame(*block, image, width, height);
 }
 
 } // namespace tesmor

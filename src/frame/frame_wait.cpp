@@ -19,7 +19,8 @@ std::int32_t waitForFrame()
     library.frameRequest = 1;
     const std::uint32_t start = platform::tickMilliseconds();
     while (library.runFlag != 0) {
-        if (library.frameEvent.waitFor(ABORT_CHECK_MS))
+        // A signal while the request still stands is that of an earlier, given-up request.
+        if (library.frameEvent.waitFor(ABORT_CHECK_MS) && library.frameRequest == 0)
             break;
         if (platform::tickMilliseconds() - start > FRAME_TIMEOUT_MS) {
             library.runFlag = 0;

@@ -5,11 +5,12 @@
 
 namespace tesmor {
 
-// measure[i] = the sum over blue, green and red of d x (d - o / 64), where o is the image's byte and d = o - the sharpened
+// Adds one colour's share of the focus measure, d x (d - o / 64), where o is the image's byte and d = o - the sharpened
 // byte; terms below 4 count as 0. A pixel brighter than its sharpened copy scores lower than one that is as much darker.
-//   image, sharpened   one row of `width` pixels, 3 bytes each
-//   measure            one row, from 0 to 195075
-void measureRow(const std::uint8_t* image, const std::uint8_t* sharpened, std::int32_t width,
-                std::int32_t* measure) noexcept;
+//   original    one row: every third byte, `width` of them
+//   sharpened   one row of `width` bytes
+//   measure     one row; blue, green and red together add from 0 to 195075
+void addFocusTerms(const std::uint8_t* original, const std::uint8_t* sharpened, std::int32_t width,
+                   std::int32_t* measure) noexcept;
 
 } // namespace tesmor

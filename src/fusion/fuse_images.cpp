@@ -52,13 +52,13 @@ public:
     explicit Fusion(const ImageLayout& layout) noexcept
         : layout_(layout), smoothing_(layout.width, layout.height),
           measure_(makeZeroedArray<std::int32_t>(layout.pixelCount() + SLACK_ROWS * layout.width)), mean_(layout),
-          work_(makeZeroedArray<std::uint8_t>(layout.byteCount()))
+          sharpenedRow_(makeZeroedArray<std::uint8_t>(static_cast<std::size_t>(layout.width)))
     {
     }
 
     bool hasBuffers() const noexcept
     {
-        return smoothing_.ready() && measure_ && mean_.ready() && work_;
+        return smoothing_.ready() && measure_ && mean_.ready() && sharpenedRow_;
     }
 
     std::int32_t run(const std::uint8_t* const* images, std::uint64_t imageCount, std::uint8_t* output,
@@ -87,30 +87,37 @@ private:
 
     bool addImage(const std::uint8_t* image, const Progress& progress, std::uint64_t stepsBefore)
     {
-        engine_.loadImage(image, layout_.stride);
-        engine_.forward();
-        if (aborted())
-            return false;
-        progress.report(stepsBefore + 2);
-        engine_.applyGain();
-        engine_.inverse();
-        if (aborted())
-            return false;
-        progress.report(stepsBefore + 3);
-        engine_.storeImage(work_.get(), layout_.stride);
-        if (!measure(image) || !smooth() || !accumulate(image))
+        for (std::size_t colour = 0; colour < COLOURS; ++colour) {
+            engine_.load(image + colour, layout_.stride);
+            engine_.forward();
+            if (aborted())
+                return false;
+            if (colour == 1)
+                progress.report(stepsBefore + 2); // half of the transforms are done
+            engine_.applyGain();
+            engine_.inverse();
+            if (aborted())
+                return false;
+            if (colour == COLOURS - 1)
+                progress.report(stepsBefore + 3);
+            if (!measure(image, colour))
+                return false;
+        }
+        if (!smooth() || !accumulate(image))
             return false;
         progress.report(stepsBefore + 4);
         return true;
     }
 
-    bool measure(const std::uint8_t* image) noexcept
+    bool measure(const std::uint8_t* image, std::size_t colour) noexcept
     {
         for (std::int32_t y = 0; y < layout_.height; ++y) {
             if (aborted())
                 return false;
-            const std::size_t offset = layout_.rowOffset(y);
-            measureRow(image + offset, work_.get() + offset, layout_.width, measureOfRow(y));
+            if (colour == 0)
+                std::fill_n(measureOfRow(y), layout_.width, 0);
+            engine_.storeRow(static_cast<std::uint32_t>(y), sharpenedRow_.get());
+            addFocusTerms(image + layout_.rowOffset(y) + colour, sharpenedRow_.get(), layout_.width, measureOfRow(y));
         }
         return !aborted();
     }
@@ -124,15 +131,13 @@ private:
         return true;
     }
 
-    // From the image itself, not its sharpened copy. Every image has at least weight 1 everywhere.
+    // From the image itself, not its sharpened copy.
     bool accumulate(const std::uint8_t* image) noexcept
     {
         for (std::int32_t y = 0; y < layout_.height; ++y) {
             if (aborted())
                 return false;
-            std::int32_t* const weights = measureOfRow(y);
-            std::replace(weights, weights + layout_.width, 0, 1);
-            mean_.addRow(y, image + layout_.rowOffset(y), weights);
+            mean_.addRow(y, image + layout_.rowOffset(y), measureOfRow(y));
         }
         return true;
     }
@@ -140,10 +145,18 @@ private:
     void compose(std::uint8_t* output) noexcept
     {
         mean_.normalise();
-        engine_.loadPlanes(mean_.red(), mean_.green(), mean_.blue());
-        engine_.applyGain();
-        engine_.inverse();
-        engine_.storeImage(output, layout_.stride);
+        for (std::size_t colour = 0; colour < COLOURS; ++colour) {
+            engine_.load(mean_.means(colour));
+            engine_.forward();
+            engine_.applyGain();
+            engine_.inverse();
+            for (std::int32_t y = 0; y < layout_.height; ++y) {
+                engine_.storeRow(static_cast<std::uint32_t>(y), sharpenedRow_.get());
+                std::uint8_t* byte = output + layout_.rowOffset(y) + colour;
+                for (std::int32_t x = 0; x < layout_.width; ++x, byte += 3)
+                    *byte = sharpenedRow_[static_cast<std::size_t>(x)];
+            }
+        }
     }
 
     std::int32_t* measureOfRow(std::int32_t y) noexcept
@@ -155,7 +168,7 @@ private:
     Smoothing smoothing_;
     ZeroedArray<std::int32_t> measure_; // of the image in hand; two slack rows after the last one stay 0
     WeightedMean mean_;
-    ZeroedArray<std::uint8_t> work_; // the sharpened copy of the image in hand
+    ZeroedArray<std::uint8_t> sharpenedRow_; // one colour of the row in hand
     SharpenEngine engine_{CUTOFF, ROLLOFF};
 };
 

@@ -7,6 +7,8 @@
 
 namespace tesmor {
 
+inline constexpr std::size_t COLOURS = 3; // blue, green, red, one byte each
+
 struct ImageLayout {
     std::int32_t width;  // pixels, at least 2
     std::int32_t height; // pixels, at least 2

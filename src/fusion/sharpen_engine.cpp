@@ -1,5 +1,7 @@
 #include "fusion/sharpen_engine.h"
 
+#include "fusion/cpu_clones.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -10,10 +12,18 @@ namespace {
 constexpr double PI = 3.141592653589793;
 constexpr double HALF_PI = 1.5707963267948966;
 constexpr double LEAST_USABLE_GAIN = 0.0009765625; // 2^-10
+constexpr std::size_t FFTW_OWN_BYTES = 8 << 20;
+constexpr std::size_t FFTW_OWN_BYTES_PER_PIXEL = 64; // of address space, at most, while it plans odd sizes
 
 ComplexPlane makeComplexPlane(std::size_t count) noexcept
 {
     return ComplexPlane(static_cast<fftw_complex*>(fftw_malloc(count * sizeof(fftw_complex))));
+}
+
+// FFTW ends the process when it cannot get memory of its own, so there must be some to spare where it may ask for it.
+bool canSpare(std::size_t bytes) noexcept
+{
+    return ComplexPlane(static_cast<fftw_complex*>(fftw_malloc(bytes))) != nullptr;
 }
 
 FftwPlan makePlan(std::uint32_t width, std::uint32_t height, fftw_complex* from, fftw_complex* to, int sign) noexcept
@@ -22,16 +32,23 @@ FftwPlan makePlan(std::uint32_t width, std::uint32_t height, fftw_complex* from,
     return FftwPlan(fftw_plan_many_dft(2, size, 1, from, nullptr, 1, 1, to, nullptr, 1, 1, sign, FFTW_MEASURE));
 }
 
-template <class Value>
-void loadPlane(const Value* values, std::size_t valueStep, std::size_t count, fftw_complex* plane) noexcept
+TESMOR_CPU_CLONES void loadBytes(const std::uint8_t* bytes, std::size_t count, fftw_complex* row) noexcept
+{
+    for (std::size_t x = 0; x < count; ++x) {
+        row[x][0] = bytes[3 * x];
+        row[x][1] = 0.0;
+    }
+}
+
+TESMOR_CPU_CLONES void loadValues(const float* values, std::size_t count, fftw_complex* plane) noexcept
 {
     for (std::size_t i = 0; i < count; ++i) {
-        plane[i][0] = values[i * valueStep];
+        plane[i][0] = values[i];
         plane[i][1] = 0.0;
     }
 }
 
-void multiply(fftw_complex* spectrum, const double* gain, double scale, std::size_t count) noexcept
+TESMOR_CPU_CLONES void multiply(fftw_complex* spectrum, const double* gain, double scale, std::size_t count) noexcept
 {
     for (std::size_t i = 0; i < count; ++i) {
         spectrum[i][0] = spectrum[i][0] * scale * gain[i];
@@ -39,11 +56,14 @@ void multiply(fftw_complex* spectrum, const double* gain, double scale, std::siz
     }
 }
 
-std::uint8_t magnitudeByte(const fftw_complex& pixel, double scale) noexcept
+TESMOR_CPU_CLONES void storeMagnitudes(const fftw_complex* row, double scale, std::size_t count,
+                                       std::uint8_t* bytes) noexcept
 {
-    const double rounded = std::sqrt(pixel[0] * pixel[0] + pixel[1] * pixel[1]) * scale + 0.5;
-    const double notNegative = rounded > 0.0 ? rounded : 0.0; // also where it is not a number
-    return static_cast<std::uint8_t>(static_cast<std::int32_t>(notNegative < 255.0 ? notNegative : 255.0));
+    for (std::size_t x = 0; x < count; ++x) {
+        const double rounded = std::sqrt(row[x][0] * row[x][0] + row[x][1] * row[x][1]) * scale + 0.5;
+        const double notNegative = rounded > 0.0 ? rounded : 0.0; // also where it is not a number
+        bytes[x] = static_cast<std::uint8_t>(static_cast<std::int32_t>(notNegative < 255.0 ? notNegative : 255.0));
+    }
 }
 
 } // namespace
@@ -55,40 +75,35 @@ void SharpenEngine::prepare(std::uint32_t width, std::uint32_t height) noexcept
     release();
     width_ = width;
     height_ = height;
-    ready_ = makePlans() && obtainArrays();
+    ready_ = obtainArrays() && makePlans() && canSpare(FFTW_OWN_BYTES);
     if (!ready_)
         release();
-}
-
-// FFTW_MEASURE overwrites the arrays that it plans with, so these are scratch.
-bool SharpenEngine::makePlans() noexcept
-{
-    const ComplexPlane from = makeComplexPlane(pixelCount());
-    const ComplexPlane to = makeComplexPlane(pixelCount());
-    if (!from || !to)
-        return false;
-    forwardPlan_ = makePlan(width_, height_, from.get(), to.get(), FFTW_FORWARD);
-    if (forwardPlan_)
-        inversePlan_ = makePlan(width_, height_, from.get(), to.get(), FFTW_BACKWARD);
-    return forwardPlan_ && inversePlan_;
 }
 
 bool SharpenEngine::obtainArrays() noexcept
 {
     gain_ = makeZeroedArray<double>(pixelCount());
-    bool complete = gain_ != nullptr;
-    for (ComplexPlane* plane : {&planeR_, &planeG_, &planeB_, &spectrumR_, &spectrumG_, &spectrumB_}) {
-        *plane = makeComplexPlane(pixelCount());
-        complete = complete && *plane;
-    }
-    return complete;
+    plane_ = makeComplexPlane(pixelCount());
+    spectrum_ = makeComplexPlane(pixelCount());
+    return gain_ && plane_ && spectrum_;
+}
+
+// FFTW_MEASURE overwrites the arrays that it plans with; nothing is in them yet.
+bool SharpenEngine::makePlans() noexcept
+{
+    if (!canSpare(FFTW_OWN_BYTES + FFTW_OWN_BYTES_PER_PIXEL * pixelCount()))
+        return false;
+    forwardPlan_ = makePlan(width_, height_, plane_.get(), spectrum_.get(), FFTW_FORWARD);
+    if (forwardPlan_)
+        inversePlan_ = makePlan(width_, height_, spectrum_.get(), plane_.get(), FFTW_BACKWARD);
+    return forwardPlan_ && inversePlan_;
 }
 
 void SharpenEngine::release() noexcept
 {
     gain_.reset();
-    for (ComplexPlane* plane : {&planeR_, &planeG_, &planeB_, &spectrumR_, &spectrumG_, &spectrumB_})
-        plane->reset();
+    plane_.reset();
+    spectrum_.reset();
     width_ = 0;
     height_ = 0;
     forwardPlan_.reset();
@@ -121,59 +136,38 @@ void SharpenEngine::buildGain() noexcept
     }
 }
 
-void SharpenEngine::loadImage(const std::uint8_t* image, std::int32_t stride) noexcept
+void SharpenEngine::load(const std::uint8_t* bytes, std::int32_t stride) noexcept
 {
-    for (std::uint32_t y = 0; y < height_; ++y) {
-        const std::uint8_t* row = image + static_cast<std::size_t>(stride) * y;
-        const std::size_t first = static_cast<std::size_t>(width_) * y;
-        loadPlane(row + 2, 3, width_, planeR_.get() + first);
-        loadPlane(row + 1, 3, width_, planeG_.get() + first);
-        loadPlane(row, 3, width_, planeB_.get() + first);
-    }
+    for (std::uint32_t y = 0; y < height_; ++y)
+        loadBytes(bytes + static_cast<std::size_t>(stride) * y, width_,
+                  plane_.get() + static_cast<std::size_t>(width_) * y);
 }
 
-void SharpenEngine::loadPlanes(const float* red, const float* green, const float* blue) noexcept
+void SharpenEngine::load(const float* values) noexcept
 {
-    loadPlane(red, 1, pixelCount(), planeR_.get());
-    loadPlane(green, 1, pixelCount(), planeG_.get());
-    loadPlane(blue, 1, pixelCount(), planeB_.get());
-    forward();
+    loadValues(values, pixelCount(), plane_.get());
 }
 
 void SharpenEngine::forward() noexcept
 {
-    fftw_execute_dft(forwardPlan_.get(), planeR_.get(), spectrumR_.get());
-    fftw_execute_dft(forwardPlan_.get(), planeG_.get(), spectrumG_.get());
-    fftw_execute_dft(forwardPlan_.get(), planeB_.get(), spectrumB_.get());
+    fftw_execute_dft(forwardPlan_.get(), plane_.get(), spectrum_.get());
 }
 
 void SharpenEngine::applyGain() noexcept
 {
     const double scale = gain_[0] > LEAST_USABLE_GAIN ? 1.0 / gain_[0] : 1.0;
-    multiply(spectrumR_.get(), gain_.get(), scale, pixelCount());
-    multiply(spectrumG_.get(), gain_.get(), scale, pixelCount());
-    multiply(spectrumB_.get(), gain_.get(), scale, pixelCount());
+    multiply(spectrum_.get(), gain_.get(), scale, pixelCount());
 }
 
 void SharpenEngine::inverse() noexcept
 {
-    fftw_execute_dft(inversePlan_.get(), spectrumR_.get(), planeR_.get());
-    fftw_execute_dft(inversePlan_.get(), spectrumG_.get(), planeG_.get());
-    fftw_execute_dft(inversePlan_.get(), spectrumB_.get(), planeB_.get());
+    fftw_execute_dft(inversePlan_.get(), spectrum_.get(), plane_.get());
 }
 
-void SharpenEngine::storeImage(std::uint8_t* image, std::int32_t stride) const noexcept
+void SharpenEngine::storeRow(std::uint32_t y, std::uint8_t* bytes) const noexcept
 {
     const double scale = 1.0 / static_cast<double>(pixelCount());
-    for (std::uint32_t y = 0; y < height_; ++y) {
-        std::uint8_t* row = image + static_cast<std::size_t>(stride) * y;
-        const std::size_t first = static_cast<std::size_t>(width_) * y;
-        for (std::uint32_t x = 0; x < width_; ++x) {
-            row[3 * x] = magnitudeByte(planeB_[first + x], scale);
-            row[3 * x + 1] = magnitudeByte(planeG_[first + x], scale);
-            row[3 * x + 2] = magnitudeByte(planeR_[first + x], scale);
-        }
-    }
+    storeMagnitudes(plane_.get() + static_cast<std::size_t>(width_) * y, scale, width_, bytes);
 }
 
 } // namespace tesmor

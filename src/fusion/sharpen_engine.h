@@ -1,8 +1,9 @@
-// Sharpens a three-channel image of a fixed size by a radial boost of its high frequencies, in the two-dimensional
-// discrete Fourier domain. Each colour is transformed by itself, as complex numbers with imaginary part 0.
+// Sharpens an image of a fixed size by a radial boost of its high frequencies, in the two-dimensional discrete Fourier
+// domain. The colours are transformed one after the other, each by itself, as complex numbers with imaginary part 0: so
+// one plane and one spectrum are all the memory that is needed, and the planner uses them before the first image.
 //
-// One sharpening: loadImage and forward, or loadPlanes (which runs forward itself); applyGain; inverse; storeImage.
-// prepare and buildGain come once before. All but release need a ready engine.
+// One sharpening of a colour: load, forward, applyGain, inverse, storeRow for each row. prepare and buildGain come once
+// before. All but release need a ready engine.
 // One thread at a time; FFTW's planner is not thread-safe, so no two engines may be prepared or released at once.
 #pragma once
 
@@ -59,23 +60,23 @@ public:
 
     void buildGain() noexcept;
 
-    // image: rows of `stride` bytes, blue, green, red.
-    void loadImage(const std::uint8_t* image, std::int32_t stride) noexcept;
+    // One colour of an image: every third byte from `bytes` on, in rows of `stride` bytes.
+    void load(const std::uint8_t* bytes, std::int32_t stride) noexcept;
 
-    // width x height values a plane, from 0 to 255. Runs forward.
-    void loadPlanes(const float* red, const float* green, const float* blue) noexcept;
+    // width x height values from 0 to 255.
+    void load(const float* values) noexcept;
 
     void forward() noexcept;
 
-    // Boosts the spectra so that zero frequency, the mean brightness, stays as it is.
+    // Boosts the spectrum so that zero frequency, the mean brightness, stays as it is.
     void applyGain() noexcept;
 
-    // Without the factor 1 / (width x height), which storeImage applies.
+    // Without the factor 1 / (width x height), which storeRow applies.
     void inverse() noexcept;
 
-    // Writes the magnitude of each pixel, rounded and limited to 0..255: what overshoots below 0 beside a dark edge
-    // shows its size instead. What is not a number becomes 0. Padding bytes are not written.
-    void storeImage(std::uint8_t* image, std::int32_t stride) const noexcept;
+    // Writes the magnitude of each pixel of row y, rounded and limited to 0..255, to `width` bytes: what overshoots
+    // below 0 beside a dark edge shows its size instead. What is not a number becomes 0.
+    void storeRow(std::uint32_t y, std::uint8_t* bytes) const noexcept;
 
 private:
     std::size_t pixelCount() const noexcept
@@ -83,8 +84,8 @@ private:
         return static_cast<std::size_t>(width_) * height_;
     }
 
-    bool makePlans() noexcept;
     bool obtainArrays() noexcept;
+    bool makePlans() noexcept;
 
     std::uint32_t width_ = 0;  // pixels; 0 when released
     std::uint32_t height_ = 0; // pixels; 0 when released
@@ -94,8 +95,8 @@ private:
     ZeroedArray<double> gain_;
     FftwPlan forwardPlan_;
     FftwPlan inversePlan_;
-    ComplexPlane planeR_, planeG_, planeB_;
-    ComplexPlane spectrumR_, spectrumG_, spectrumB_;
+    ComplexPlane plane_;
+    ComplexPlane spectrum_;
 };
 
 } // namespace tesmor

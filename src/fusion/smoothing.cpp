@@ -1,8 +1,27 @@
 #include "fusion/smoothing.h"
 
+#include "fusion/cpu_clones.h"
+
 #include <utility>
 
 namespace tesmor {
+
+namespace {
+
+TESMOR_CPU_CLONES void sumThree(const std::int32_t* row, std::int32_t* sums, std::int32_t width) noexcept
+{
+    for (std::int32_t x = 1; x <= width - 2; ++x)
+        sums[x] = row[x - 1] + row[x] + row[x + 1];
+}
+
+TESMOR_CPU_CLONES void meanOfNine(const std::int32_t* previous, const std::int32_t* current, const std::int32_t* next,
+                                  std::int32_t* row, std::int32_t width) noexcept
+{
+    for (std::int32_t x = 1; x <= width - 2; ++x)
+        row[x] = (previous[x] + current[x] + next[x]) / 9;
+}
+
+} // namespace
 
 Smoothing::Smoothing(std::int32_t width, std::int32_t height) noexcept : width_(width), height_(height)
 {
@@ -27,20 +46,15 @@ void Smoothing::smoothInterior(std::int32_t* measure) noexcept
     if (width_ <= 2 || height_ <= 2)
         return;
     const std::int32_t w = width_;
-    const auto sumRow = [w](const std::int32_t* row, std::int32_t* sums) {
-        for (std::int32_t x = 1; x <= w - 2; ++x)
-            sums[x] = row[x - 1] + row[x] + row[x + 1];
-    };
     std::int32_t* previous = rowSums_[0].get();
     std::int32_t* current = rowSums_[1].get();
     std::int32_t* next = rowSums_[2].get();
     std::int32_t* row = measure + w;
-    sumRow(measure, previous);
-    sumRow(row, current);
+    sumThree(measure, previous, w);
+    sumThree(row, current, w);
     for (std::int32_t y = 1; y <= height_ - 2; ++y, row += w) {
-        sumRow(row + w, next);
-        for (std::int32_t x = 1; x <= w - 2; ++x)
-            row[x] = (previous[x] + current[x] + next[x]) / 9;
+        sumThree(row + w, next, w);
+        meanOfNine(previous, current, next, row, w);
         std::swap(previous, current);
         std::swap(current, next);
     }

@@ -1,43 +1,57 @@
 #include "fusion/weighted_mean.h"
 
+#include "fusion/cpu_clones.h"
+
 namespace tesmor {
 
-WeightedMean::WeightedMean(const ImageLayout& layout) noexcept
-    : layout_(layout), weightSum_(makeZeroedArray<std::int32_t>(layout.pixelCount())),
-      meanR_(makeZeroedArray<float>(layout.pixelCount())), sumR_(makeZeroedArray<float>(layout.pixelCount())),
-      sumG_(makeZeroedArray<float>(layout.pixelCount())), sumB_(makeZeroedArray<float>(layout.pixelCount()))
+namespace {
+
+// A measure of 0 weighs 1, so that every image counts everywhere. Without __restrict there are too many pairs of arrays
+// to tell apart for vector code.
+TESMOR_CPU_CLONES void addWeighted(const std::uint8_t* row, const std::int32_t* measure, std::size_t width,
+                                   std::int32_t* __restrict weightSum, float* __restrict blue, float* __restrict green,
+                                   float* __restrict red) noexcept
 {
+    for (std::size_t x = 0; x < width; ++x) {
+        const std::int32_t weight = measure[x] == 0 ? 1 : measure[x];
+        weightSum[x] += weight;
+        blue[x] += static_cast<float>(compressHighlight(row[3 * x]) * weight);
+        green[x] += static_cast<float>(compressHighlight(row[3 * x + 1]) * weight);
+        red[x] += static_cast<float>(compressHighlight(row[3 * x + 2]) * weight);
+    }
+}
+
+TESMOR_CPU_CLONES void divide(float* sums, const std::int32_t* weightSums, std::size_t count) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i)
+        sums[i] = sums[i] / static_cast<float>(weightSums[i]);
+}
+
+} // namespace
+
+WeightedMean::WeightedMean(const ImageLayout& layout) noexcept
+    : layout_(layout), weightSum_(makeZeroedArray<std::int32_t>(layout.pixelCount()))
+{
+    for (auto& sums : sums_)
+        sums = makeZeroedArray<float>(layout.pixelCount());
 }
 
 bool WeightedMean::ready() const noexcept
 {
-    return weightSum_ && meanR_ && sumR_ && sumG_ && sumB_;
+    return weightSum_ && sums_[0] && sums_[1] && sums_[2];
 }
 
-void WeightedMean::addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* weights) noexcept
+void WeightedMean::addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* measure) noexcept
 {
     const std::size_t first = static_cast<std::size_t>(layout_.width) * static_cast<std::size_t>(y);
-    std::int32_t* const weightSum = weightSum_.get() + first;
-    float* const sumR = sumR_.get() + first;
-    float* const sumG = sumG_.get() + first;
-    float* const sumB = sumB_.get() + first;
-    for (std::int32_t x = 0; x < layout_.width; ++x) {
-        const std::uint8_t* pixel = imageRow + 3 * x;
-        weightSum[x] += weights[x];
-        sumR[x] += static_cast<float>(compressHighlight(pixel[2]) * weights[x]);
-        sumG[x] += static_cast<float>(compressHighlight(pixel[1]) * weights[x]);
-        sumB[x] += static_cast<float>(compressHighlight(pixel[0]) * weights[x]);
-    }
+    addWeighted(imageRow, measure, static_cast<std::size_t>(layout_.width), weightSum_.get() + first,
+                sums_[0].get() + first, sums_[1].get() + first, sums_[2].get() + first);
 }
 
 void WeightedMean::normalise() noexcept
 {
-    for (std::size_t i = 0; i < layout_.pixelCount(); ++i) {
-        const auto weight = static_cast<float>(weightSum_[i]);
-        meanR_[i] = sumR_[i] / weight;
-        sumR_[i] = sumG_[i] / weight;
-        sumG_[i] = sumB_[i] / weight;
-    }
+    for (auto& sums : sums_)
+        divide(sums.get(), weightSum_.get(), layout_.pixelCount());
 }
 
 } // namespace tesmor

@@ -22,33 +22,22 @@ public:
     // Whether all buffers could be obtained.
     bool ready() const noexcept;
 
-    // Adds row y of an image with its weights, at least 1 and at most 195075 a pixel.
-    void addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* weights) noexcept;
+    // Adds row y of an image, weighted with its measure, from 0 to 195075 a pixel. Every pixel has at least weight 1.
+    void addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* measure) noexcept;
 
     // Turns the sums into means; no row can be added after it. Without any image every mean is not a number.
     void normalise() noexcept;
 
-    // Planes of width x height values, valid after normalise.
-    const float* red() const noexcept
+    // The means of one colour, width x height values; valid after normalise. 0 is blue, 1 green, 2 red.
+    const float* means(std::size_t colour) const noexcept
     {
-        return meanR_.get();
-    }
-    const float* green() const noexcept
-    {
-        return sumR_.get();
-    }
-    const float* blue() const noexcept
-    {
-        return sumG_.get();
+        return sums_[colour].get();
     }
 
 private:
     ImageLayout layout_;
     ZeroedArray<std::int32_t> weightSum_;
-    ZeroedArray<float> meanR_;
-    ZeroedArray<float> sumR_; // holds the green mean in the end,
-    ZeroedArray<float> sumG_; // and this one the blue
-    ZeroedArray<float> sumB_;
+    ZeroedArray<float> sums_[COLOURS]; // the means in the end
 };
 
 } // namespace tesmor

@@ -39,6 +39,12 @@ public:
     // signalled.
     bool waitFor(std::uint32_t milliseconds) noexcept;
 
+    // The system's event, for the seam's own use.
+    NativeEvent& native() noexcept
+    {
+        return native_;
+    }
+
 private:
     NativeEvent native_;
 };

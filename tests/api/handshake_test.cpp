@@ -2,9 +2,7 @@
 #include "api/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
-#include "support/scripted_clock.h"
 #include "support/scripted_device.h"
-#include "support/video_thread.h"
 
 #include <future>
 
@@ -78,19 +76,6 @@ TEST_F(Handshake, ManualMoveWaitsForTheRunningCommandInsteadOfAbortingIt)
     tesmor_video(frame, 4, 4);
     EXPECT_NE(move.get(), 0);
     EXPECT_EQ(recorder.calls(), (std::vector{Call{frame, 4, 4, SUCCESS}}));
-}
-
-TEST_F(Handshake, ACaptureThatGetsNoFrameEndsSilently)
-{
-    clockSpeed = 50;
-    ASSERT_EQ(tesmor_init(), 1);
-    tesmor_capture(CallRecorder::onFrame, &recorder);
-    ASSERT_TRUE(eventually([] { return library.frameRequest == 1; }));
-    waitUntilIdle();
-    clockSpeed = 1;
-    EXPECT_EQ(library.frameRequest, 0);
-    EXPECT_EQ(tesmor_doing(), 0);
-    EXPECT_TRUE(recorder.calls().empty());
 }
 
 TEST_F(Handshake, TheLibraryStartsAgainAfterItsEnd)

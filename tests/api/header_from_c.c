@@ -6,22 +6,22 @@
 
 static int32_t lastResult = 99;
 
-static void onDone(void *context, int32_t result)
+static void onDone(void* context, int32_t result)
 {
-    *(int32_t *)context = result;
+    *(int32_t*)context = result;
 }
 
-static void onFrame(const uint8_t *image, int32_t width, int32_t height, void *context, int32_t result)
+static void onFrame(const uint8_t* image, int32_t width, int32_t height, void* context, int32_t result)
 {
     if (image && width == 2 && height == 2)
-        *(int32_t *)context = result;
+        *(int32_t*)context = result;
 }
 
 int main(void)
 {
     const uint8_t image[2 * 8] = {0};
     uint8_t output[2 * 8];
-    const uint8_t *images[1];
+    const uint8_t* images[1];
     int32_t (*const others[])(void) = {tesmor_stop, tesmor_cancelif, tesmor_reset};
     size_t i;
 

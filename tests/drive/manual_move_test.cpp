@@ -52,20 +52,6 @@ TEST_F(ManualMove, KeepsTheDriveOpenUntilTheNextOne)
     EXPECT_EQ(requests, " D2 D1 D3 D2 D1");
 }
 
-TEST_F(ManualMove, ReportsWhatWentWrong)
-{
-    device.goodMoves = 0;
-    device.refusals = 5;
-    EXPECT_EQ(turn(1), std::vector{report(MOVE_FAILED)});
-    device.missingAcks = 5;
-    EXPECT_EQ(turn(1), std::vector{report(MOVE_FAILED)});
-    EXPECT_TRUE(device.isOpen());
-    device.openingUnits.clear();
-    EXPECT_EQ(turn(1), std::vector{report(NO_DRIVE)});
-    manualMove(1, nullptr, nullptr);
-    EXPECT_FALSE(device.isOpen());
-}
-
 } // namespace
 
 } // namespace tesmor::test

@@ -4,7 +4,6 @@
 #include "drive/focus_drive.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
-#include "support/scripted_clock.h"
 #include "support/scripted_device.h"
 #include "support/video_thread.h"
 
@@ -24,11 +23,6 @@ protected:
         library.commandBlock.frameCallback = CallRecorder::onFrame;
         library.commandBlock.context = &recorder;
         library.runFlag = 1;
-    }
-
-    ~Stack() override
-    {
-        clockSpeed = 1;
     }
 
     void capture(std::uint16_t magnification, std::uint16_t count, std::int32_t spacing, bool notifyOnly = false)
@@ -85,39 +79,6 @@ TEST_F(Stack, OfNoSlicesOpensAndClosesTheDrive)
     capture(10, 0, 1);
     EXPECT_EQ(recorder.calls(), std::vector{report(STACK_DONE)});
     EXPECT_EQ(device.log().size(), 5u) << "exists, open, open request, close request, close";
-}
-
-TEST_F(Stack, ReportsOneFailureAndStaysWhereItIs)
-{
-    clockSpeed = 50;
-    device.openingUnits.clear();
-    capture(10, 2, 1);
-    device.openingUnits = {0};
-    capture(10, 2, 1);
-    EXPECT_EQ(device.moves(), std::vector{120});
-    library.runFlag = 1;
-    device.goodMoves = 2; // one was made already
-    device.refusals = 5;
-    capture(10, 2, 1, true);
-    EXPECT_EQ(device.moves(), (std::vector{120, 120}));
-    device.missingAcks = 5;
-    device.goodMoves = 4;
-    capture(10, 2, 1, true);
-    EXPECT_EQ(device.moves(), (std::vector{120, 120, 120, 120, -120}));
-    EXPECT_EQ(recorder.calls(), (std::vector{report(NO_DRIVE), report(NO_FRAME), report(0), report(MOVE_FAILED),
-                                             report(0), report(0), report(MOVE_FAILED)}));
-}
-
-TEST_F(Stack, CancelledAtTheSecondFrame)
-{
-    VideoThread video(16, 16);
-    recorder.then = [&](const Call& call) {
-        if (call.image && recorder.calls().size() == 2)
-            library.runFlag = 0;
-    };
-    capture(10, 5, 1);
-    EXPECT_EQ(device.moves(), (std::vector{120, 120}));
-    EXPECT_EQ(recorder.calls().back(), report(ABORTED));
 }
 
 TEST_F(Stack, IsStillConnectedWhileItReportsAndClosesTheDriveOfAManualMove)

@@ -1,6 +1,8 @@
 #include "frame/focus_measure.h"
 
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -59,6 +61,17 @@ TEST(FocusMeasure, ReadsTheCentralRegionOfTheMagnification)
                   plainMeasure(frame, c.width, c.left, c.top, c.regionWidth, c.regionHeight))
             << c.width << " x " << c.height << " at " << c.magnification;
     }
+}
+
+TEST(FocusMeasure, StaysInsideAFrameOfMoreThanTwoBillionBits)
+{
+    constexpr std::int32_t side = 12000;
+    constexpr std::size_t lastPixel = (std::size_t{7499} * side + 7499) * 3; // of the region
+    const std::unique_ptr<std::uint8_t, decltype(&std::free)> frame(
+        static_cast<std::uint8_t*>(std::calloc(side, std::size_t{side} * 3)), std::free);
+    ASSERT_TRUE(frame);
+    frame.get()[lastPixel] = 200;
+    EXPECT_GT(measureFocus(frame.get(), side, side, 10, tables), 0.0);
 }
 
 TEST(FocusMeasure, IsNothingForAnEmptyRegionAndABlackFrame)

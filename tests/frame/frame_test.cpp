@@ -81,6 +81,20 @@ TEST_F(Frames, AFrameForNoCommandTakesTheRequestAndSignalsNothing)
     EXPECT_FALSE(library.frameEvent.waitFor(0));
 }
 
+TEST_F(Frames, ARequestThatIsGivenUpIsNotServedForTheNextCommand)
+{
+    library.commandBlock.command = CMD_STACK;
+    library.frameRequest = 1;
+    library.commandLock.lock();
+    std::jthread video([&] { handleFrame(frame.data(), 16, 16); });
+    for (int i = 0; i < 10'000 && library.frameRequest == 1; ++i)
+        std::this_thread::yield(); // a hook that takes the request too early gets the time for it
+    library.frameRequest = 0;
+    library.commandLock.unlock();
+    video.join();
+    EXPECT_TRUE(recorder.calls().empty());
+}
+
 TEST_F(Frames, TheWaitEndsWithTheNextFrame)
 {
     library.commandBlock.command = CMD_CAPTURE;
@@ -98,6 +112,25 @@ TEST_F(Frames, TheWaitTakesNoSignalFromBefore)
     EXPECT_EQ(library.runFlag, 0);
     EXPECT_EQ(library.frameRequest, 0);
     EXPECT_EQ(waitForFrame(), ABORTED) << "a time-out ends the whole command";
+}
+
+TEST_F(Frames, TheWaitTakesNoSignalOfARequestThatWasGivenUp)
+{
+    library.commandBlock.command = CMD_STACK;
+    std::atomic<bool> ended{false};
+    std::size_t framesBefore = 0;
+    std::jthread worker([&] {
+        EXPECT_EQ(waitForFrame(), SUCCESS);
+        framesBefore = recorder.calls().size();
+        ended = true;
+    });
+    ASSERT_TRUE(eventually([] { return library.frameRequest == 1; }));
+    library.frameEvent.set(); // by a hook that was held up in the callback of the command before
+    for (int i = 0; i < 10'000 && !ended; ++i)
+        std::this_thread::yield();
+    handleFrame(frame.data(), 16, 16);
+    worker.join();
+    EXPECT_EQ(framesBefore, 1u);
 }
 
 TEST_F(Frames, TheWaitGivesUpOnlyAfterMoreThanFourSeconds)

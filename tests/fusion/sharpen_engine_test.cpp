@@ -16,11 +16,18 @@ PlainImage sharpened(PlainImage image)
     engine.prepare(static_cast<std::uint32_t>(image.width), static_cast<std::uint32_t>(image.height));
     EXPECT_TRUE(engine.ready());
     engine.buildGain();
-    engine.loadImage(image.bytes.data(), image.stride);
-    engine.forward();
-    engine.applyGain();
-    engine.inverse();
-    engine.storeImage(image.bytes.data(), image.stride);
+    for (int channel = 0; channel < 3; ++channel) {
+        engine.load(image.bytes.data() + channel, image.stride);
+        engine.forward();
+        engine.applyGain();
+        engine.inverse();
+        std::vector<std::uint8_t> row(static_cast<std::size_t>(image.width));
+        for (int y = 0; y < image.height; ++y) {
+            engine.storeRow(static_cast<std::uint32_t>(y), row.data());
+            for (int x = 0; x < image.width; ++x)
+                image.at(x, y, channel) = row[static_cast<std::size_t>(x)];
+        }
+    }
     return image;
 }
 

@@ -120,6 +120,14 @@ TEST_F(DriveControllerTest, AFrameThatIsExposedBeforeAnAcknowledgementIsNotDeliv
     EXPECT_TRUE(gate_.deliver(gate_.beginExposure(), ignore));
 }
 
+TEST_F(DriveControllerTest, RemembersTheNewestRequestsAndNotAllForEver)
+{
+    for (std::uint32_t code = 0; code < 10'010; ++code)
+        request(code, ZERO);
+    EXPECT_EQ(controller_.log().size(), 10'000u);
+    EXPECT_EQ(controller_.log().back().code, 10'009u);
+}
+
 // Each fault, seen by three moves one after the other.
 TEST_F(DriveControllerTest, DoesEachFaultAsOftenAsAsked)
 {

@@ -141,10 +141,12 @@ TEST_F(DriveServiceTest, ServesOneClientButNeverTurnsItsSuccessorAway)
 
 TEST_F(DriveServiceTest, OutlivesAClientThatDisappearsInMidMove)
 {
-    Client().send(MOVE_1000);
-    EXPECT_TRUE(test::eventually([&] { return motor_.position(Clock::now()) == 1000; }));
+    EXPECT_EQ(Client().ask(MOVE_1000), REQUEST_ACCEPTED);
     const Client next;
-    EXPECT_EQ(next.ask(OPEN), REQUEST_ACCEPTED) << "and not the acknowledgement of the other's move";
+    EXPECT_EQ(next.ask(OPEN), REQUEST_ACCEPTED);
+    EXPECT_TRUE(test::eventually([&] { return !motor_.isMoving(Clock::now()); }));
+    EXPECT_EQ(motor_.position(Clock::now()), 1000);
+    EXPECT_EQ(next.ask(RESET), RESET_ACCEPTED) << "and not the acknowledgement of the other client's move";
     EXPECT_EQ(next.ask(MOVE_1000), REQUEST_ACCEPTED);
     EXPECT_EQ(next.receive(), ACKNOWLEDGEMENT);
 }

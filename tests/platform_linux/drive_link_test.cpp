@@ -3,6 +3,7 @@
 #include "platform_linux/raw_service.h"
 #include "support/library_test.h"
 
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/wait.h>
@@ -142,6 +143,20 @@ TEST_F(DriveLink, NoDescriptorSurvivesAnExec)
         EXPECT_TRUE(fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC);
     }
     EXPECT_GE(sockets, 3) << "listener and both ends";
+}
+
+TEST_F(DriveLink, EndsAlsoWhileAForkedChildHoldsTheDescriptor)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        pause();
+        _exit(0);
+    }
+    closeDevice(device);
+    device = INVALID_DEVICE;
+    EXPECT_EQ(service.receive(), Packet{}) << "the client has left";
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
 }
 
 TEST(DriveLinkPeer, NobodyThereIsNoDevice)

@@ -16,7 +16,7 @@ std::uint32_t tickMilliseconds() noexcept
 
 void sleepMilliseconds(std::uint32_t milliseconds) noexcept
 {
-    test::device.record("sleep " + std::to_string(milliseconds));
+    test::device.sleep(milliseconds);
 }
 
 } // namespace tesmor::platform

@@ -33,8 +33,10 @@ void ScriptedDevice::reset()
     goodMoves = NEVER;
     refusals = 0;
     missingAcks = 0;
+    inMove = nullptr;
     log_.clear();
     moves_.clear();
+    waited_ = 0;
     isOpen_ = false;
 }
 
@@ -60,6 +62,12 @@ std::int64_t ScriptedDevice::position() const
 {
     std::lock_guard guard(mutex_);
     return std::accumulate(moves_.begin(), moves_.end(), std::int64_t{0});
+}
+
+std::uint64_t ScriptedDevice::waited() const
+{
+    std::lock_guard guard(mutex_);
+    return waited_;
 }
 
 bool ScriptedDevice::isOpen() const
@@ -104,6 +112,8 @@ bool ScriptedDevice::acceptMove(std::uint16_t direction, std::uint16_t steps)
         return false;
     }
     moves_.push_back(direction == 0x8060 ? -steps : steps);
+    if (inMove)
+        inMove();
     return true;
 }
 
@@ -113,9 +123,17 @@ bool ScriptedDevice::readByte(std::uint32_t timeoutMs)
     record("read " + std::to_string(timeoutMs));
     if (moves_.size() > goodMoves && missingAcks > 0) {
         --missingAcks;
+        waited_ += timeoutMs;
         return false;
     }
     return true;
+}
+
+void ScriptedDevice::sleep(std::uint32_t milliseconds)
+{
+    std::lock_guard guard(mutex_);
+    record("sleep " + std::to_string(milliseconds));
+    waited_ += milliseconds;
 }
 
 void ScriptedDevice::close()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
@@ -31,12 +32,17 @@ public:
     std::size_t goodMoves = NEVER; // so many moves work first,
     int refusals = 0;              // then so many sends are refused,
     int missingAcks = 0;           // and then so many acknowledgements stay away
+    std::function<void()> inMove;  // runs inside every move that is accepted
+
+    // How long the library would have waited for this device: vain reads and sleeps, milliseconds.
+    std::uint64_t waited() const;
 
     // Called by the seam.
     bool open(unsigned unit);
     bool control(std::uint32_t code, const std::vector<std::uint8_t>& input);
     bool readByte(std::uint32_t timeoutMs);
     void close();
+    void sleep(std::uint32_t milliseconds);
 
 private:
     bool acceptMove(std::uint16_t direction, std::uint16_t steps);
@@ -44,6 +50,7 @@ private:
     mutable std::recursive_mutex mutex_;
     std::vector<std::string> log_;
     std::vector<std::int32_t> moves_;
+    std::uint64_t waited_ = 0;
     bool isOpen_ = false;
 };
 

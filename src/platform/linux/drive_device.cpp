@@ -124,10 +124,13 @@ private:
         std::size_t length; // of the packet, also where that is more than the bytes kept
     };
 
+    // A child that the host has forked may hold the descriptor, too; the link must end all the same.
     void shutDown() noexcept
     {
-        if (socketFd_ >= 0)
-            ::close(socketFd_);
+        if (socketFd_ < 0)
+            return;
+        ::shutdown(socketFd_, SHUT_RDWR);
+        ::close(socketFd_);
         socketFd_ = -1;
     }
 

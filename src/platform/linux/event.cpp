@@ -68,8 +68,11 @@ bool Event::valid() const noexcept
 
 bool Event::set() noexcept
 {
-    MutexGuard guard(native_.mutex);
-    native_.signalled = true;
+    {
+        MutexGuard guard(native_.mutex);
+        native_.signalled = true;
+    }
+    // Not under the mutex, on which a woken thread would stop again.
     if (native_.automatic)
         pthread_cond_signal(&native_.changed);
     else

@@ -1,0 +1,19 @@
+#include "library_session.h"
+
+#include "subcommand.h"
+#include "tesmor.h"
+
+namespace tesmor::apps {
+
+LibrarySession::LibrarySession()
+{
+    if (tesmor_init() == 0)
+        throw UserError("the system has no thread to spare; close other programs");
+}
+
+LibrarySession::~LibrarySession()
+{
+    tesmor_fini();
+}
+
+} // namespace tesmor::apps

@@ -1,0 +1,169 @@
+// The idle frame hook, and what passes between the host's threads and the worker, against bare loads and wake-ups.
+#include "api/library.h"
+#include "api/tesmor.h"
+#include "frame/frame_wait.h"
+#include "ratio.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace tesmor::bench {
+
+namespace {
+
+std::atomic<std::int32_t> bareRequest{0};
+
+[[gnu::noinline]] void bareHook(const std::uint8_t* image, std::int32_t, std::int32_t)
+{
+    if (bareRequest.load(std::memory_order_relaxed) != 0)
+        benchmark::DoNotOptimize(image);
+}
+
+void idleHook(benchmark::State& state)
+{
+    constexpr int calls = 1'000'000;
+    const std::uint8_t pixel[4]{};
+    library.frameRequest = 0;
+    const auto callOften = [&](auto hook) {
+        for (int i = 0; i < calls; ++i)
+            hook(pixel, 1, 1);
+    };
+    const Figure figure{"idle frame hook", "one relaxed load and a call", 2.0};
+    compare<ProcessorTime>(
+        state, figure, [] {}, [&] { callOften(bareHook); }, [&] { callOften(tesmor_video); }, calls);
+}
+
+// What one thread leaves for another, with nothing around it.
+class BareSignal {
+public:
+    void set()
+    {
+        {
+            std::lock_guard guard(mutex_);
+            set_ = true;
+        }
+        changed_.notify_one();
+    }
+
+    void wait()
+    {
+        std::unique_lock guard(mutex_);
+        changed_.wait(guard, [this] { return set_; });
+        set_ = false;
+    }
+
+private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    bool set_ = false;
+};
+
+constexpr int ROUNDS = 500;
+
+void postToIdle(benchmark::State& state)
+{
+    BareSignal command, idle;
+    std::thread bareWorker([&] {
+        for (std::int64_t i = 0; i < state.max_iterations * ROUNDS; ++i) {
+            command.wait();
+            idle.set();
+        }
+    });
+    tesmor_init();
+    const Figure figure{"post to idle again (tesmor_reset)", "two wake-ups of bare condition variables", 1.3};
+    compare<ElapsedTime>(
+        state, figure, [] {},
+        [&] {
+            for (int i = 0; i < ROUNDS; ++i) {
+                command.set();
+                idle.wait();
+            }
+        },
+        [] {
+            for (int i = 0; i < ROUNDS; ++i)
+                tesmor_reset();
+        },
+        ROUNDS);
+    tesmor_fini();
+    bareWorker.join();
+}
+
+// A thread that offers frames without pause, as the fastest camera would.
+template <class Offer>
+class Camera {
+public:
+    explicit Camera(Offer offer)
+        : thread_([this, offer] {
+              while (!stopped_) {
+                  if (running_)
+                      offer();
+                  else
+                      std::this_thread::yield();
+              }
+          })
+    {
+    }
+    ~Camera()
+    {
+        stopped_ = true;
+        thread_.join();
+    }
+
+    void run(bool running)
+    {
+        running_ = running;
+    }
+
+private:
+    std::atomic<bool> stopped_{false};
+    std::atomic<bool> running_{false};
+    std::thread thread_;
+};
+
+void requestToServed(benchmark::State& state)
+{
+    const auto ignoreFrame = [](const std::uint8_t*, std::int32_t, std::int32_t, void*, std::int32_t) {};
+    library.commandBlock.command = CMD_CAPTURE;
+    library.commandBlock.frameCallback = ignoreFrame;
+    library.runFlag = 1;
+    BareSignal served;
+    std::atomic<std::int32_t> request{0};
+    Camera bareCamera([&] {
+        if (request.load(std::memory_order_relaxed) != 0) {
+            request = 0;
+            served.set();
+        }
+    });
+    const std::uint8_t pixel[4]{};
+    Camera camera([&] { tesmor_video(pixel, 1, 1); });
+
+    const Figure figure{"frame request to served frame", "one wake-up of a bare condition variable", 1.3};
+    compare<ElapsedTime>(
+        state, figure, [] {},
+        [&] {
+            bareCamera.run(true);
+            for (int i = 0; i < ROUNDS; ++i) {
+                request = 1;
+                served.wait();
+            }
+            bareCamera.run(false);
+        },
+        [&] {
+            camera.run(true);
+            for (int i = 0; i < ROUNDS; ++i)
+                waitForFrame();
+            camera.run(false);
+        },
+        ROUNDS);
+    library.commandBlock.command = CMD_IDLE;
+}
+
+} // namespace
+
+BENCHMARK(idleHook)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(postToIdle)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(requestToServed)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+} // namespace tesmor::bench

@@ -1,0 +1,47 @@
+# What `cmake --install` puts where. Components: runtime (the library), development, command.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS tesmor EXPORT tesmor_targets
+  RUNTIME COMPONENT runtime
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development
+  INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/src/api/tesmor.h ${PROJECT_SOURCE_DIR}/src/api/tesmor_loader.h
+  TYPE INCLUDE COMPONENT development)
+
+# find_package(tesmor CONFIG), target tesmor::tesmor. Before 1.0 a new minor version may break its hosts.
+set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/tesmor)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/tesmor-config-version.cmake COMPATIBILITY SameMinorVersion)
+install(EXPORT tesmor_targets NAMESPACE tesmor:: FILE tesmor-targets.cmake
+  DESTINATION ${packageDir} COMPONENT development)
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/tesmor-config.cmake ${PROJECT_BINARY_DIR}/tesmor-config-version.cmake
+  DESTINATION ${packageDir} COMPONENT development)
+
+# The prefix is found from the file's own place, so that an installed tree may be moved.
+set(pkgconfigDir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH prefixFromPkgconfig /prefix/${pkgconfigDir} /prefix)
+string(REGEX REPLACE "/$" "" prefixFromPkgconfig ${prefixFromPkgconfig})
+configure_file(${PROJECT_SOURCE_DIR}/cmake/tesmor.pc.in ${PROJECT_BINARY_DIR}/tesmor.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/tesmor.pc DESTINATION ${pkgconfigDir} COMPONENT development)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ ${PROJECT_SOURCE_DIR}/examples
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtesmor-dev COMPONENT development
+  PATTERN CMakeLists.txt EXCLUDE
+  PATTERN Doxyfile.in EXCLUDE)
+
+if(TARGET tesmor_command)
+  # $ORIGIN: the library of the same tree, wherever that is.
+  set_target_properties(tesmor_command PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  install(TARGETS tesmor_command RUNTIME COMPONENT command)
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/tesmor.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/completion.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tesmor COMPONENT command)
+endif()
+
+if(WIN32)
+  # For a linker that does not read MinGW's import library: lib /def:tesmor.def /machine:x64
+  install(FILES ${PROJECT_SOURCE_DIR}/src/api/exports.def
+    DESTINATION ${CMAKE_INSTALL_LIBDIR} RENAME tesmor.def COMPONENT development)
+endif()

@@ -1,0 +1,40 @@
+#include "microscope/settings.h"
+
+#include "microscope/objective.h"
+
+#include <stdexcept>
+#include <utility>
+
+namespace tesmor::microscope {
+
+namespace {
+
+void require(bool holds, const char* message)
+{
+    if (!holds)
+        throw std::invalid_argument(message);
+}
+
+} // namespace
+
+Settings checkedSettings(Settings settings)
+{
+    require(findObjective(settings.magnification) != nullptr, "magnification must be 4, 10, 20, 40, 60, 80 or 100");
+    require(settings.unit < 16, "unit must be 0 to 15");
+    require(settings.framesPerSecond >= 0, "frames per second must not be negative");
+    require(settings.noise >= 0 && settings.noise <= 20, "noise must be 0 to 20 grey levels");
+    require(settings.droppedFrames >= 0 && settings.droppedFrames <= 1, "dropped frames must be 0 to 1");
+    require(settings.timeScale >= 0, "time scale must not be negative");
+    require(settings.motor.stepsPerSecond >= 0, "motor speed must not be negative");
+    require(settings.motor.backlash >= 0, "backlash must not be negative");
+    require(settings.motor.lowEnd <= settings.motor.highEnd, "the low end stop must not lie above the high one");
+    if (settings.photos && !settings.photos->images.empty()) {
+        settings.width = settings.photos->images.front().width;
+        settings.height = settings.photos->images.front().height;
+    }
+    require(settings.width >= 64 && settings.width <= 16384, "frame width must be 64 to 16384 pixels");
+    require(settings.height >= 64 && settings.height <= 16384, "frame height must be 64 to 16384 pixels");
+    return settings;
+}
+
+} // namespace tesmor::microscope

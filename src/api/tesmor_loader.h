@@ -1,0 +1,103 @@
+/**
+ * @file
+ * Loads the library while the host runs, for a host that goes on without it when it is missing: no link option, no
+ * import library, only this header and tesmor.h. Plain C.
+ *
+ * @code
+ *   TesmorFunctions tesmor;
+ *   if (tesmor_load(&tesmor, NULL) && tesmor.init())
+ *       tesmor.start(40, onDone, context);
+ *   else
+ *       hideTheAutofocusButton();
+ * @endcode
+ *
+ * On Linux link with ${CMAKE_DL_LIBS} (-ldl), which newer systems no longer need.
+ */
+#ifndef TESMOR_LOADER_H
+#define TESMOR_LOADER_H
+
+#include "tesmor.h"
+
+#include <stddef.h>
+#include <string.h>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <dlfcn.h>
+#endif
+
+/** The library's file name, which goes with the version of the header: tesmor.dll, libtesmor.so.1, ... */
+#ifdef _WIN32
+#define TESMOR_LIBRARY_FILE "tesmor.dll"
+#else
+#define TESMOR_LIBRARY_FILE "libtesmor.so." TESMOR_TEXT_OF(TESMOR_VERSION_MAJOR)
+/** @cond */
+#define TESMOR_TEXT_OF(number) TESMOR_TEXT_OF_ARGUMENT(number)
+#define TESMOR_TEXT_OF_ARGUMENT(number) #number
+/** @endcond */
+#endif
+
+/** The functions of tesmor.h, each under its name without the prefix. */
+typedef struct TesmorFunctions {
+    /** @cond */
+    int32_t (*init)(void);
+    int32_t (*fini)(void);
+    void (*video)(const uint8_t* image, int32_t width, int32_t height);
+    int32_t (*doing)(void);
+    int32_t (*start)(uint16_t magnification, DoneCallback doneCallback, void* context);
+    int32_t (*stop)(void);
+    int32_t (*startif)(uint16_t magnification, uint16_t sliceCount, int32_t sliceSpacing, FrameCallback frameCallback,
+                       void* context, uint32_t notifyOnly);
+    int32_t (*cancelif)(void);
+    int32_t (*capture)(FrameCallback frameCallback, void* context);
+    int32_t (*fusion)(const uint8_t* const* images, uint64_t count, uint32_t width, uint32_t height, uint8_t* output,
+                      FrameCallback frameCallback, void* context);
+    int32_t (*manual)(double angle, DoneCallback doneCallback, void* context);
+    int32_t (*reset)(void);
+    /** @endcond */
+} TesmorFunctions;
+
+/**
+ * Loads the library and finds its functions. The library stays in the process until it ends; it must never be unloaded.
+ * Any thread, but one at a time.
+ * @param functions filled in on success, else cleared: every member is null
+ * @param file the library's file with its folder; null: TESMOR_LIBRARY_FILE where the system looks for libraries
+ * @return 1; 0 when the library is missing or lacks a function, and dlerror() or GetLastError() tells why
+ */
+static inline int tesmor_load(TesmorFunctions* functions, const char* file)
+{
+    const struct {
+        const char* name;
+        void* member;
+    } table[] = {
+        {"tesmor_init", &functions->init},       {"tesmor_fini", &functions->fini},
+        {"tesmor_video", &functions->video},     {"tesmor_doing", &functions->doing},
+        {"tesmor_start", &functions->start},     {"tesmor_stop", &functions->stop},
+        {"tesmor_startif", &functions->startif}, {"tesmor_cancelif", &functions->cancelif},
+        {"tesmor_capture", &functions->capture}, {"tesmor_fusion", &functions->fusion},
+        {"tesmor_manual", &functions->manual},   {"tesmor_reset", &functions->reset},
+    };
+    size_t i;
+#ifdef _WIN32
+    HMODULE library = LoadLibraryA(file ? file : TESMOR_LIBRARY_FILE);
+#else
+    void* library = dlopen(file ? file : TESMOR_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
+#endif
+    memset(functions, 0, sizeof *functions);
+    for (i = 0; library && i < sizeof table / sizeof table[0]; ++i) {
+#ifdef _WIN32
+        FARPROC function = GetProcAddress(library, table[i].name);
+#else
+        void* function = dlsym(library, table[i].name);
+#endif
+        if (!function) {
+            memset(functions, 0, sizeof *functions);
+            return 0;
+        }
+        memcpy(table[i].member, &function, sizeof function); /* C has no cast for this */
+    }
+    return library != NULL;
+}
+
+#endif

@@ -1,0 +1,144 @@
+// The focus drive's device on Windows: the camera driver's device object, opened for overlapped input and output. The
+// acknowledgement read is the only overlapped operation; control requests are synchronous.
+#include "platform/drive_device.h"
+
+#include <cwchar>
+#include <new>
+
+namespace tesmor::platform {
+
+// Never made: a DeviceHandle is the file handle itself.
+class DriveDevice {};
+
+namespace {
+
+constexpr std::size_t NAME_CHARACTERS = 32;
+constexpr DWORD TARGET_CHARACTERS = 260;
+
+HANDLE fileOf(DeviceHandle device) noexcept
+{
+    return reinterpret_cast<HANDLE>(device);
+}
+
+// What the system writes to when a read ends, which may be long after the wait for it, and even after its device was
+// closed.
+struct Read {
+    DeviceHandle device; // INVALID_DEVICE once it is closed
+    OVERLAPPED overlapped{};
+    std::uint8_t byte = 0;
+    Read* next = nullptr;
+
+    // True also when the read goes on in the background.
+    bool begin() noexcept
+    {
+        return ReadFile(fileOf(device), &byte, 1, nullptr, &overlapped) || GetLastError() == ERROR_IO_PENDING;
+    }
+
+    bool ended() const noexcept
+    {
+        return HasOverlappedIoCompleted(&overlapped);
+    }
+
+    // Of a read that has ended.
+    bool tookByte() noexcept
+    {
+        DWORD count = 0;
+        return device != INVALID_DEVICE && GetOverlappedResult(fileOf(device), &overlapped, &count, TRUE);
+    }
+};
+
+// The reads that have begun. One that timed out goes on and may take a byte before the next one does, also between two
+// waits: the byte counts for whoever waits next.
+class Reads {
+public:
+    void add(Read* read) noexcept
+    {
+        read->next = first_;
+        first_ = read;
+    }
+
+    // Whether a byte has come from `device` that was not taken yet; takes it. Frees every read that has ended, but for
+    // those whose bytes are still to be taken.
+    bool takeByte(DeviceHandle device) noexcept
+    {
+        bool taken = false;
+        for (Read** link = &first_; *link;) {
+            Read* const read = *link;
+            if (!read->ended() || (read->tookByte() && (taken || read->device != device))) {
+                link = &read->next;
+                continue;
+            }
+            taken = taken || read->tookByte();
+            *link = read->next;
+            delete read;
+        }
+        return taken;
+    }
+
+    // What its reads bring is of no interest any more.
+    void disown(DeviceHandle device) noexcept
+    {
+        for (Read* read = first_; read; read = read->next) {
+            if (read->device == device)
+                read->device = INVALID_DEVICE;
+        }
+        takeByte(INVALID_DEVICE);
+    }
+
+private:
+    Read* first_ = nullptr;
+};
+
+constinit Reads reads; // without a destructor: the system may still write to them when the process ends
+
+} // namespace
+
+bool deviceExists(unsigned unit) noexcept
+{
+    wchar_t name[NAME_CHARACTERS];
+    wchar_t target[TARGET_CHARACTERS];
+    std::swprintf(name, NAME_CHARACTERS, L"braskdrv-%u-1010", unit);
+    return QueryDosDeviceW(name, target, TARGET_CHARACTERS) != 0;
+}
+
+DeviceHandle openDevice(unsigned unit) noexcept
+{
+    wchar_t path[NAME_CHARACTERS];
+    std::swprintf(path, NAME_CHARACTERS, L"\\\\.\\braskdrv-%u-1010", unit);
+    const HANDLE file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                    FILE_FLAG_OVERLAPPED, nullptr);
+    return file == INVALID_HANDLE_VALUE ? INVALID_DEVICE : reinterpret_cast<DeviceHandle>(file);
+}
+
+// The driver only reads the input; DeviceIoControl's parameter is not const.
+bool controlDevice(DeviceHandle device, std::uint32_t code, std::span<const std::uint8_t> input) noexcept
+{
+    DWORD returned = 0;
+    return device != INVALID_DEVICE &&
+           DeviceIoControl(fileOf(device), code, const_cast<std::uint8_t*>(input.data()),
+                           static_cast<DWORD>(input.size()), nullptr, 0, &returned, nullptr);
+}
+
+bool readDeviceByte(DeviceHandle device, Event* completion, std::uint32_t timeoutMs) noexcept
+{
+    if (device == INVALID_DEVICE || !completion)
+        return false;
+    Read* const read = new (std::nothrow) Read{device};
+    if (!read)
+        return false;
+    read->overlapped.hEvent = completion->native();
+    if (!read->begin()) {
+        delete read;
+        return false;
+    }
+    reads.add(read);
+    return reads.takeByte(device) || (completion->waitFor(timeoutMs) && reads.takeByte(device));
+}
+
+void closeDevice(DeviceHandle device) noexcept
+{
+    CloseHandle(fileOf(device));
+    reads.disown(device);
+}
+
+} // namespace tesmor::platform

@@ -1,0 +1,25 @@
+#include "platform/lock.h"
+
+namespace tesmor::platform {
+
+Lock::Lock() noexcept
+{
+    InitializeCriticalSection(&native_);
+}
+
+Lock::~Lock()
+{
+    DeleteCriticalSection(&native_);
+}
+
+void Lock::lock() noexcept
+{
+    EnterCriticalSection(&native_);
+}
+
+void Lock::unlock() noexcept
+{
+    LeaveCriticalSection(&native_);
+}
+
+} // namespace tesmor::platform

@@ -1,0 +1,136 @@
+// What `tesmor fuse` makes of images.
+#include "command_run.h"
+
+#include <QImageReader>
+#include <QImageWriter>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace tesmor::test {
+
+namespace {
+
+class FuseTest : public CommandTest {};
+
+int worstDifference(QRgb a, QRgb b)
+{
+    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+}
+
+// Detail between the left and the right limit; flat grey elsewhere.
+QImage detailBetween(int left, int right)
+{
+    QImage image = flatImage(96, 32, qRgb(100, 100, 100));
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = left; x < right; ++x) {
+            const int value = 60 + (x * 37 + y * 53) % 80;
+            image.setPixel(x, y, qRgb(value, value, value));
+        }
+    }
+    return image;
+}
+
+// 1: the same picture there but for brightness and contrast; 0: nothing in common.
+double likeness(const QImage& a, const QImage& b, int left, int right)
+{
+    double sumA = 0, sumB = 0, sumAA = 0, sumBB = 0, sumAB = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = left; x < right; ++x) {
+            const double valueA = qGreen(a.pixel(x, y));
+            const double valueB = qGreen(b.pixel(x, y));
+            sumA += valueA;
+            sumB += valueB;
+            sumAA += valueA * valueA;
+            sumBB += valueB * valueB;
+            sumAB += valueA * valueB;
+        }
+    }
+    const double count = (right - left) * a.height();
+    return (count * sumAB - sumA * sumB) / std::sqrt((count * sumAA - sumA * sumA) * (count * sumBB - sumB * sumB));
+}
+
+TEST_F(FuseTest, TakesEveryRegionFromTheImageWithDetailThere)
+{
+    const QImage truth = detailBetween(0, 96);
+    const QList<QImage> slices = {detailBetween(0, 32), detailBetween(32, 64), detailBetween(64, 96)};
+    for (int i = 0; i < slices.size(); ++i)
+        save(slices[i], QString("%1.png").arg(i));
+    const CommandResult result = run("fuse", {"0.png", "1.png", "2.png"});
+    EXPECT_EQ(result.status, 0) << qPrintable(result.errors);
+    EXPECT_TRUE(result.output.contains("3 images of 96 x 32 pixels")) << qPrintable(result.output);
+    EXPECT_TRUE(result.errors.isEmpty()) << qPrintable(result.errors);
+    const QImage fused(path("fused.png"));
+    ASSERT_EQ(fused.size(), truth.size());
+    for (int left : {0, 32, 64})
+        EXPECT_GT(likeness(fused, truth, left, left + 32), 0.9) << left;
+}
+
+// Flat images come out as they are, so every step but the fusion itself shows: orders of channels, depth, alpha.
+TEST_F(FuseTest, ReadsAndWritesEveryFormat)
+{
+    const QImage image = flatImage(33, 17);
+    const QStringList files = {"a.png", "b.jpg", "c.jpeg", "d.tif", "e.tiff", "f.bmp", "deep.png", "clear.png", "PNG"};
+    for (const QString& file : files.first(6))
+        save(image, file);
+    save(image.convertToFormat(QImage::Format_RGBA64), "deep.png");
+    QImage clear = image.convertToFormat(QImage::Format_ARGB32);
+    clear.fill(qRgba(150, 100, 10, 128));
+    save(clear, "clear.png");
+    QFile::copy(path("a.png"), path("PNG")); // formats are told by content
+    struct Case {
+        const char* suffix;
+        const char* format;
+    };
+    const Case cases[] = {{"png", "png"},  {"jpg", "jpeg"},  {"JPEG", "jpeg"},
+                          {"tif", "tiff"}, {"tiff", "tiff"}, {"bmp", "bmp"}};
+    for (const Case& c : cases) {
+        const QString out = QString("out.") + c.suffix;
+        const CommandResult result = run("fuse", QStringList{"--quiet", "-o", out} + files);
+        EXPECT_EQ(result.status, 0) << qPrintable(result.errors);
+        EXPECT_TRUE(result.output.isEmpty() && result.errors.isEmpty());
+        const QImage fused(path(out));
+        ASSERT_EQ(fused.size(), image.size()) << c.suffix;
+        EXPECT_LE(worstDifference(fused.pixel(32, 16), image.pixel(32, 16)), 2) << c.suffix;
+        EXPECT_EQ(QImageReader::imageFormat(path(out)), c.format) << c.suffix;
+    }
+}
+
+TEST_F(FuseTest, AppliesTheOrientation)
+{
+    QImageWriter writer(path("turned.tif"));
+    writer.setTransformation(QImageIOHandler::TransformationRotate90);
+    ASSERT_TRUE(writer.write(flatImage(40, 20)));
+    save(flatImage(20, 40), "upright.png");
+    EXPECT_EQ(run("fuse", {"turned.tif", "upright.png"}).status, 0);
+    EXPECT_EQ(QImage(path("fused.png")).size(), QSize(20, 40));
+}
+
+TEST_F(FuseTest, KeepsTheScale)
+{
+    QImage image = flatImage(8, 8);
+    image.setDotsPerMeterX(5000);
+    save(image, "a.png");
+    EXPECT_EQ(run("fuse", {"a.png"}).status, 0);
+    EXPECT_EQ(QImage(path("fused.png")).dotsPerMeterX(), 5000);
+}
+
+TEST_F(FuseTest, TakesAsManyImagesAsTheLibrary)
+{
+    save(flatImage(2, 2), "a.png");
+    EXPECT_EQ(run("fuse", QStringList(128, "a.png")).status, 0);
+}
+
+TEST_F(FuseTest, ReplacesAnOlderOutput)
+{
+    save(flatImage(8, 8), "a.png");
+    write("fused.png", "old");
+    EXPECT_EQ(run("fuse", {"a.png"}).status, 0);
+    EXPECT_EQ(QImage(path("fused.png")).size(), QSize(8, 8));
+    EXPECT_EQ(names(), QStringList({"a.png", "fused.png"}));
+}
+
+} // namespace
+
+} // namespace tesmor::test

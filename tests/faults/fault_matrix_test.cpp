@@ -1,0 +1,387 @@
+// Every operation with every fault in every phase: one result and one only, the drive closed, no longer a wait than
+// stated, and a library that runs the next command.
+#include "api/result_codes.h"
+#include "support/call_recorder.h"
+#include "support/library_test.h"
+#include "support/scripted_clock.h"
+#include "support/scripted_device.h"
+
+#include <algorithm>
+#include <future>
+#include <optional>
+#include <ostream>
+
+namespace tesmor::test {
+
+namespace {
+
+constexpr std::uint32_t SIDE = 16; // pixels of a frame
+constexpr std::size_t FRAME_BYTES = SIDE * SIDE * 3;
+constexpr int ALL_ATTEMPTS = 5;
+
+struct Host {
+    CallRecorder calls;
+    std::vector<std::uint8_t> image = std::vector<std::uint8_t>(FRAME_BYTES, 100);
+    std::vector<std::uint8_t> output = std::vector<std::uint8_t>(FRAME_BYTES);
+};
+
+struct Operation {
+    const char* name;
+    void (*post)(Host&);
+    std::size_t moves;              // of an undisturbed run
+    std::vector<std::size_t> waits; // for a frame: how many moves are made before each
+    std::size_t frames;             // the first callbacks that come on the video thread,
+    std::size_t reports;            // those that follow on the worker; the last one carries the result
+    std::int32_t success;
+};
+
+const Operation MANUAL{"manual move", [](Host& h) { tesmor_manual(90, CallRecorder::onDone, &h.calls); }, 1, {}, 0, 1,
+                       SUCCESS};
+// The frames are all the same; see the search's own tests for the moves that follow.
+const Operation SEARCH{"autofocus", [](Host& h) { tesmor_start(40, CallRecorder::onDone, &h.calls); },
+                       26,          {3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24},
+                       0,           1,
+                       SUCCESS};
+const Operation STACK{
+    "stack",   [](Host& h) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &h.calls, 0); }, 6, {1, 2, 3}, 3, 1,
+    STACK_DONE};
+const Operation NOTICES{
+    "stack of notices", [](Host& h) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &h.calls, 1); }, 6, {}, 0, 4,
+    STACK_DONE};
+const Operation CAPTURE{"capture", [](Host& h) { tesmor_capture(CallRecorder::onFrame, &h.calls); }, 0, {0}, 1, 0,
+                        SUCCESS};
+const Operation FUSION{"fusion",
+                       [](Host& h) {
+                           const std::uint8_t* const images[] = {h.image.data(), h.image.data()};
+                           tesmor_fusion(images, 2, SIDE, SIDE, h.output.data(), CallRecorder::onFrame, &h.calls);
+                       },
+                       0,
+                       {},
+                       0,
+                       9,
+                       SUCCESS};
+
+using Export = std::int32_t (*)();
+
+struct Cell {
+    const Operation* operation;
+    const char* fault;
+    std::size_t at; // move, wait or callback, counted from 0
+
+    // The fault.
+    int refusals = 0;
+    int missingAcks = 0;
+    bool noDrive = false;
+    bool openRefused = false;
+    std::optional<std::size_t> framesUntilTheyStop{};
+    bool abortInMove = false;
+    bool abortInWait = false;
+    bool abortInCallback = false;
+    bool throwInCallback = false;
+    bool longCallback = false;
+    Export abort = nullptr;
+
+    // What follows.
+    std::optional<std::int32_t> result{}; // none: the host hears nothing
+    std::size_t moves = 0;
+    std::uint64_t waited = 0; // for the drive, milliseconds
+};
+
+std::ostream& operator<<(std::ostream& out, const Cell& cell)
+{
+    return out << cell.operation->name << ", " << cell.fault << " at " << cell.at << ", " << cell.refusals << "/"
+               << cell.missingAcks;
+}
+
+std::size_t callbacks(const Operation& operation)
+{
+    return operation.frames + operation.reports;
+}
+
+class Matrix {
+public:
+    Matrix()
+    {
+        for (const Operation* operation : {&MANUAL, &SEARCH, &STACK, &NOTICES}) {
+            for (std::size_t move = 0; move < operation->moves; ++move)
+                addMoveFaults({operation, "", move});
+            add({.operation = operation, .fault = "no drive", .at = 0, .noDrive = true, .result = NO_DRIVE});
+            add({.operation = operation,
+                 .fault = "opening refused",
+                 .at = 0,
+                 .openRefused = true,
+                 .result = operation->success,
+                 .moves = operation->moves});
+        }
+        for (const Operation* operation : {&SEARCH, &STACK, &CAPTURE}) {
+            for (std::size_t wait = 0; wait < operation->waits.size(); ++wait)
+                addWaitFaults({operation, "", wait});
+        }
+        for (const Operation* operation : {&MANUAL, &SEARCH, &STACK, &NOTICES, &CAPTURE, &FUSION}) {
+            for (std::size_t call = 0; call < callbacks(*operation); ++call)
+                addCallbackFaults({operation, "", call});
+        }
+    }
+
+    std::vector<Cell> cells;
+
+private:
+    static constexpr Export aborts[] = {tesmor_stop, tesmor_cancelif, tesmor_fini};
+
+    void add(const Cell& cell)
+    {
+        cells.push_back(cell);
+    }
+
+    void addMoveFaults(Cell cell)
+    {
+        const Operation& operation = *cell.operation;
+        const auto failsAt = [&](int attempts, std::size_t moves) {
+            cell.result = attempts < ALL_ATTEMPTS ? operation.success : MOVE_FAILED;
+            cell.moves = attempts < ALL_ATTEMPTS ? operation.moves : moves;
+            add(cell);
+        };
+        for (int n = 1; n <= ALL_ATTEMPTS; ++n) {
+            cell.fault = "move refused";
+            cell.refusals = n;
+            cell.waited = 20 * static_cast<std::uint64_t>(n);
+            failsAt(n, cell.at);
+        }
+        for (int n = 1; n <= ALL_ATTEMPTS; ++n) {
+            cell.fault = n < ALL_ATTEMPTS ? "acknowledgement late" : "acknowledgement missing";
+            cell.refusals = 0;
+            cell.missingAcks = n;
+            cell.waited = 1520 * static_cast<std::uint64_t>(n);
+            failsAt(n, cell.at + 1);
+        }
+        cell.missingAcks = 0;
+        cell.waited = 0;
+        cell.fault = "abort in a move";
+        cell.abortInMove = true;
+        const auto seenAt = std::ranges::find_if(operation.waits, [&](std::size_t moves) { return moves > cell.at; });
+        cell.result = seenAt == operation.waits.end() ? operation.success : ABORTED;
+        cell.moves = seenAt == operation.waits.end() ? operation.moves : *seenAt;
+        addForEveryAbort(cell);
+    }
+
+    void addWaitFaults(Cell cell)
+    {
+        const bool isSilent = cell.operation->reports == 0;
+        cell.moves = cell.operation->waits[cell.at];
+        cell.framesUntilTheyStop = cell.at;
+        cell.fault = cell.at == 0 ? "no frames" : "frames stop";
+        if (!isSilent)
+            cell.result = NO_FRAME;
+        add(cell);
+        cell.fault = "abort in a wait";
+        cell.abortInWait = true;
+        if (!isSilent)
+            cell.result = ABORTED;
+        // Of the search's waits those at the ends of its phases; each costs a slice of 128 ms.
+        const bool isEndOfPhase = cell.operation != &SEARCH || cell.at == 0 || cell.at == 6 || cell.at % 5 == 2;
+        if (isEndOfPhase)
+            addForEveryAbort(cell);
+    }
+
+    void addCallbackFaults(Cell cell)
+    {
+        const Operation& operation = *cell.operation;
+        const bool isFrame = cell.at < operation.frames;
+        const bool isLast = cell.at + 1 == callbacks(operation);
+        const auto withResult = [&](std::optional<std::int32_t> result) {
+            cell.result = operation.reports == 0 ? std::nullopt : result;
+            const bool completes = cell.result == operation.success || operation.moves == 0;
+            cell.moves = completes || isLast ? operation.moves : cell.at + 1;
+            return cell;
+        };
+        cell.fault = "callback takes long";
+        cell.longCallback = true;
+        add(withResult(isFrame ? NO_FRAME : operation.success));
+        cell.fault = "callback throws";
+        cell.longCallback = false;
+        cell.throwInCallback = true;
+        if (isLast)
+            add(withResult(operation.success));
+        else
+            add(withResult(isFrame ? std::optional(NO_FRAME) : std::nullopt));
+        cell.fault = "abort in a callback";
+        cell.throwInCallback = false;
+        cell.abortInCallback = true;
+        const bool isSeen = isFrame || (&operation == &FUSION && cell.at < 6); // not once the last image is in
+        addForEveryAbort(withResult(isSeen ? ABORTED : operation.success));
+    }
+
+    void addForEveryAbort(Cell cell)
+    {
+        for (const Export abort : aborts) {
+            cell.abort = abort;
+            add(cell);
+        }
+    }
+};
+
+// Feeds frames as they are asked for, as many as the cell allows.
+class Camera {
+public:
+    Camera(const Host& host, std::optional<std::size_t> frames)
+        : left_(frames.value_or(SIZE_MAX)), thread_([&host, this] {
+              while (!stop_) {
+                  if (library.frameRequest == 1 && left_ > 0) {
+                      --left_;
+                      deliver(host);
+                  }
+                  std::this_thread::sleep_for(std::chrono::microseconds(50));
+              }
+          })
+    {
+    }
+
+    ~Camera()
+    {
+        stop_ = true;
+        thread_.join();
+    }
+
+    bool hasStopped() const
+    {
+        return left_ == 0;
+    }
+
+private:
+    static void deliver(const Host& host)
+    {
+        try {
+            tesmor_video(host.image.data(), SIDE, SIDE);
+        } catch (int) {
+            // the host's own callback threw
+        }
+    }
+
+    std::atomic<std::size_t> left_;
+    std::atomic<bool> stop_{false};
+    std::thread thread_;
+};
+
+class FaultMatrix : public LibraryTest {
+protected:
+    void SetUp() override
+    {
+        ASSERT_EQ(tesmor_init(), 1);
+    }
+
+    void run(const Cell& cell)
+    {
+        Host host;
+        prepareDevice(cell);
+        std::future<std::int32_t> abort;
+        // From another thread, as an abort must be; returns once the command was told.
+        const auto startAbort = [&] {
+            abort = std::async(std::launch::async, cell.abort);
+            eventually([] { return library.runFlag == 0; });
+        };
+        if (cell.abortInMove) {
+            device.inMove = [&] {
+                if (device.moves().size() == cell.at + 1)
+                    startAbort();
+            };
+        }
+        host.calls.then = [&](const Call&) {
+            if (host.calls.calls().size() == cell.at + 1)
+                misbehave(cell, startAbort);
+        };
+        {
+            const Camera camera(host, cell.framesUntilTheyStop);
+            cell.operation->post(host);
+            if (cell.framesUntilTheyStop) {
+                EXPECT_TRUE(eventually([&] {
+                    return camera.hasStopped() && library.frameRequest == 1 && device.moves().size() == cell.moves;
+                }));
+                if (cell.abortInWait)
+                    startAbort();
+                else
+                    clockSpeed = 50;
+            }
+            waitUntilIdle();
+        }
+        clockSpeed = 1;
+        if (abort.valid()) {
+            EXPECT_NE(abort.get(), 0);
+        }
+        expectOutcome(cell, host);
+        if (cell.abort == tesmor_fini)
+            tesmor_init();
+        expectReadyForTheNextCommand();
+    }
+
+private:
+    static void prepareDevice(const Cell& cell)
+    {
+        device.reset();
+        device.existingUnits = {0};
+        if (!cell.noDrive)
+            device.openingUnits = {0};
+        device.refuseOpenRequest = cell.openRefused;
+        device.goodMoves = cell.refusals + cell.missingAcks > 0 ? cell.at : ScriptedDevice::NEVER;
+        device.refusals = cell.refusals;
+        device.missingAcks = cell.missingAcks;
+    }
+
+    template <class StartAbort>
+    static void misbehave(const Cell& cell, StartAbort startAbort)
+    {
+        if (cell.abortInCallback)
+            startAbort();
+        if (cell.longCallback || cell.throwInCallback)
+            clockSpeed = 50;
+        if (cell.longCallback && cell.at < cell.operation->frames)
+            eventually([] { return library.runFlag == 0; }); // the wait gives up
+        if (cell.throwInCallback)
+            throw 1;
+    }
+
+    static void expectOutcome(const Cell& cell, const Host& host)
+    {
+        const bool isFusion = cell.operation == &FUSION;
+        std::vector<std::int32_t> results;
+        for (const Call& call : host.calls.calls()) {
+            const bool isNotice = !call.image && call.result == SUCCESS && cell.operation == &NOTICES;
+            if ((call.image != nullptr) == isFusion && !isNotice)
+                results.push_back(call.result);
+        }
+        EXPECT_EQ(results, cell.result ? std::vector{*cell.result} : std::vector<std::int32_t>{});
+        EXPECT_EQ(device.moves().size(), cell.moves);
+        EXPECT_EQ(device.waited(), cell.waited);
+        EXPECT_EQ(device.isOpen(), cell.operation == &MANUAL && !cell.noDrive && cell.abort != tesmor_fini);
+    }
+
+    void expectReadyForTheNextCommand()
+    {
+        device.reset();
+        device.existingUnits = device.openingUnits = {0};
+        EXPECT_EQ(tesmor_doing(), 0);
+        EXPECT_EQ(library.frameRequest, 0);
+        Host next;
+        MANUAL.post(next);
+        tesmor_reset();
+        waitUntilIdle();
+        EXPECT_EQ(next.calls.calls(), std::vector{report(SUCCESS)});
+        EXPECT_FALSE(device.isOpen());
+    }
+};
+
+TEST_F(FaultMatrix, EveryFaultInEveryPhaseOfEveryOperation)
+{
+    const Matrix matrix;
+    for (const Cell& cell : matrix.cells) {
+        SCOPED_TRACE(::testing::PrintToString(cell));
+        run(cell);
+        if (HasFailure())
+            break;
+    }
+    RecordProperty("cells", static_cast<int>(matrix.cells.size()));
+    std::printf("%zu cells\n", matrix.cells.size());
+}
+
+} // namespace
+
+} // namespace tesmor::test

@@ -1,0 +1,173 @@
+// The library's end of the drive link on Windows, and the simulated driver's.
+#include "platform/drive_device.h"
+
+#include "drive/drive_request.h"
+#include "drive/focus_drive.h"
+#include "microscope/drive_service.h"
+#include "microscope/windows/driver/protocol.h"
+#include "microscope/windows/handle.h"
+
+#include <gtest/gtest.h>
+#include <thread>
+
+namespace tesmor::test {
+namespace {
+
+using namespace platform;
+using namespace std::chrono_literals;
+using microscope::Clock;
+using microscope::Handle;
+
+constexpr DriveRequest OPEN_REQUEST = makeDriveRequest(DRIVE_REQ_OPEN, 0, 0);
+constexpr DriveRequest MOVE_REQUEST = makeDriveRequest(DRIVE_REQ_MOVE, DIR_FORWARD, 100);
+
+// A unit whose name exists but which does not open.
+class NameOnly {
+public:
+    explicit NameOnly(unsigned unit)
+        : control_(Handle::checked(CreateFileW(L"\\\\.\\" BRASKDRV_CONTROL_NAME, GENERIC_READ | GENERIC_WRITE, 0,
+                                               nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr),
+                                   "braskdrv"))
+    {
+        BraskdrvAttach attach{unit, 0};
+        DWORD count = 0;
+        microscope::Overlapped operation;
+        if (!operation.finish(control_.get(), DeviceIoControl(control_.get(), BRASKDRV_ATTACH, &attach, sizeof attach,
+                                                              nullptr, 0, &count, operation.get())))
+            microscope::throwLastError("attach");
+    }
+
+private:
+    Handle control_;
+};
+
+class DriveDeviceTest : public ::testing::Test {
+protected:
+    DriveDeviceTest()
+    {
+        service.start();
+        device = openDevice(UNIT);
+    }
+
+    ~DriveDeviceTest() override
+    {
+        closeDevice(device);
+    }
+
+    void moveAcknowledgedAfter(std::chrono::milliseconds delay)
+    {
+        controller.setFaults({.acknowledgementDelay = delay});
+        EXPECT_TRUE(controlDevice(device, IOCTL_DRIVE_REQUEST, MOVE_REQUEST));
+    }
+
+    static constexpr unsigned UNIT = 3;
+    microscope::Motor motor{{.stepsPerSecond = 0}, {1}, 0};
+    microscope::AcknowledgementGate gate;
+    microscope::DriveController controller{motor, gate};
+    microscope::DriveService service{controller, UNIT};
+    DeviceHandle device = INVALID_DEVICE;
+    Event completion{Reset::manual, false};
+};
+
+TEST_F(DriveDeviceTest, AUnitThatExistsButDoesNotOpenIsPassedOver)
+{
+    closeDevice(device);
+    {
+        const NameOnly first(0);
+        EXPECT_TRUE(deviceExists(0));
+        EXPECT_EQ(openDevice(0), INVALID_DEVICE);
+        EXPECT_FALSE(deviceExists(1));
+        const FocusDrive drive;
+        EXPECT_TRUE(drive.hasDevice());
+        ASSERT_EQ(controller.log().size(), 1u);
+        EXPECT_EQ(controller.log()[0].input[4], DRIVE_REQ_OPEN);
+    }
+    device = openDevice(UNIT);
+}
+
+TEST_F(DriveDeviceTest, TheDriverTakesNothingButTheTwoRequests)
+{
+    struct Case {
+        std::uint32_t code;
+        std::size_t length;
+        bool accepted;
+    };
+    const Case cases[] = {
+        {IOCTL_DRIVE_REQUEST, 10, true},
+        {IOCTL_DRIVE_REQUEST, 9, false},
+        {IOCTL_DRIVE_REQUEST, 11, false},
+        {IOCTL_DRIVE_RESET_ACK, 4, true},
+        {IOCTL_DRIVE_RESET_ACK, 3, false},
+        {IOCTL_DRIVE_RESET_ACK, 5, false},
+        {0x222099, 10, false},
+    };
+    for (const Case& c : cases) {
+        std::vector<std::uint8_t> input(c.length);
+        if (c.code == IOCTL_DRIVE_REQUEST)
+            std::copy_n(OPEN_REQUEST.begin(), std::min(c.length, OPEN_REQUEST.size()), input.begin());
+        EXPECT_EQ(controlDevice(device, c.code, input), c.accepted) << c.code << " with " << c.length << " bytes";
+    }
+    EXPECT_EQ(controller.log().size(), 2u);
+}
+
+TEST_F(DriveDeviceTest, AnAcknowledgementIsKeptForALaterRead)
+{
+    moveAcknowledgedAfter(0ms);
+    moveAcknowledgedAfter(0ms);
+    EXPECT_TRUE(readDeviceByte(device, &completion, 5000));
+    EXPECT_TRUE(readDeviceByte(device, &completion, 5000));
+    EXPECT_FALSE(readDeviceByte(device, &completion, 1));
+    EXPECT_FALSE(readDeviceByte(device, nullptr, 1)) << "without an event every read fails";
+    EXPECT_FALSE(readDeviceByte(INVALID_DEVICE, &completion, 1));
+}
+
+// The oldest read takes the byte, and the event that all of them share wakes the newest.
+TEST_F(DriveDeviceTest, AReadThatTimedOutTakesALaterByteForTheNewest)
+{
+    for (int i = 0; i < 3; ++i)
+        EXPECT_FALSE(readDeviceByte(device, &completion, 1));
+    for (int i = 0; i < 5; ++i) {
+        moveAcknowledgedAfter(10ms * (i % 2)); // before the next read begins, and after
+        EXPECT_TRUE(readDeviceByte(device, &completion, 5000));
+    }
+    EXPECT_FALSE(readDeviceByte(device, &completion, 1));
+}
+
+TEST_F(DriveDeviceTest, ManyReadsOutliveTheirDeviceAndItsEvent)
+{
+    for (int round = 0; round < 20; ++round) {
+        auto ownCompletion = Event::create(Reset::manual, false);
+        for (int i = 0; i < 10; ++i)
+            EXPECT_FALSE(readDeviceByte(device, ownCompletion.get(), 0));
+        closeDevice(device);
+        ownCompletion.reset();
+        device = openDevice(UNIT);
+        moveAcknowledgedAfter(0ms);
+        EXPECT_TRUE(readDeviceByte(device, &completion, 5000));
+    }
+}
+
+TEST_F(DriveDeviceTest, ADriverThatGoesAwayEndsTheRead)
+{
+    std::jthread end([this] { service.stop(); });
+    const auto start = Clock::now();
+    EXPECT_FALSE(readDeviceByte(device, &completion, 20'000));
+    EXPECT_LT(Clock::now() - start, 10s);
+    end.join();
+    EXPECT_FALSE(deviceExists(UNIT));
+    EXPECT_FALSE(controlDevice(device, IOCTL_DRIVE_REQUEST, OPEN_REQUEST));
+    EXPECT_FALSE(readDeviceByte(device, &completion, 20'000));
+    service.start();
+    EXPECT_FALSE(controlDevice(device, IOCTL_DRIVE_REQUEST, OPEN_REQUEST)) << "it stays gone for who had it open";
+}
+
+TEST_F(DriveDeviceTest, AUnitIsPlayedOnce)
+{
+    microscope::DriveService second(controller, UNIT);
+    EXPECT_THROW(second.start(), std::system_error);
+    service.stop();
+    EXPECT_NO_THROW(second.start());
+}
+
+} // namespace
+} // namespace tesmor::test
