@@ -1,5 +1,6 @@
 // The fusion of 8 images against the transforms that it cannot do without.
 #include "fusion/sharpen_engine.h"
+#include "platform/memory.h"
 #include "ratio.h"
 #include "stack.h"
 
@@ -16,8 +17,10 @@ class BareTransforms {
 public:
     BareTransforms(int width, int height) : width_(width), height_(height)
     {
-        for (fftw_complex** array : {&plane_, &spectrum_})
+        for (fftw_complex** array : {&plane_, &spectrum_}) {
             *array = fftw_alloc_complex(count());
+            platform::preferLargePages(*array, count() * sizeof(fftw_complex));
+        }
     }
     ~BareTransforms()
     {

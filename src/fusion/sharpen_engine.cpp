@@ -1,6 +1,7 @@
 #include "fusion/sharpen_engine.h"
 
 #include "fusion/cpu_clones.h"
+#include "platform/memory.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +18,9 @@ constexpr std::size_t FFTW_OWN_BYTES_PER_PIXEL = 64; // of address space, at mos
 
 ComplexPlane makeComplexPlane(std::size_t count) noexcept
 {
-    return ComplexPlane(static_cast<fftw_complex*>(fftw_malloc(count * sizeof(fftw_complex))));
+    ComplexPlane plane(static_cast<fftw_complex*>(fftw_malloc(count * sizeof(fftw_complex))));
+    platform::preferLargePages(plane.get(), count * sizeof(fftw_complex));
+    return plane;
 }
 
 // FFTW ends the process when it cannot get memory of its own, so there must be some to spare where it may ask for it.

@@ -1,6 +1,8 @@
 // An array on the heap whose elements start as zero, for which running out of memory is a result and not an exception.
 #pragma once
 
+#include "platform/memory.h"
+
 #include <cstddef>
 #include <cstdlib>
 #include <memory>
@@ -21,7 +23,9 @@ using ZeroedArray = std::unique_ptr<T[], FreeMemory>;
 template <class T>
 ZeroedArray<T> makeZeroedArray(std::size_t count) noexcept
 {
-    return ZeroedArray<T>(static_cast<T*>(std::calloc(count, sizeof(T))));
+    ZeroedArray<T> array(static_cast<T*>(std::calloc(count, sizeof(T))));
+    platform::preferLargePages(array.get(), count * sizeof(T));
+    return array;
 }
 
 } // namespace tesmor
