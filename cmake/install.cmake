@@ -25,8 +25,13 @@ string(REGEX REPLACE "/$" "" prefixFromPkgconfig ${prefixFromPkgconfig})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/tesmor.pc.in ${PROJECT_BINARY_DIR}/tesmor.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tesmor.pc DESTINATION ${pkgconfigDir} COMPONENT development)
 
+if(WIN32)
+  set(guideDir docs)
+else()
+  set(guideDir ${CMAKE_INSTALL_DATADIR}/doc/libtesmor-dev)
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ ${PROJECT_SOURCE_DIR}/examples
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtesmor-dev COMPONENT development
+  DESTINATION ${guideDir} COMPONENT development
   PATTERN CMakeLists.txt EXCLUDE
   PATTERN Doxyfile.in EXCLUDE)
 
