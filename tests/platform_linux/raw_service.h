@@ -45,6 +45,12 @@ public:
         client_ = -1;
     }
 
+    // What was sent is still read; then comes the end of file.
+    void endSending()
+    {
+        shutdown(client_, SHUT_WR);
+    }
+
     void send(const Packet& packet)
     {
         ::send(client_, packet.data(), packet.size(), MSG_NOSIGNAL);

@@ -1,0 +1,60 @@
+// A frame of any size, allocated to the byte, at any magnification and for any command.
+// Input: width, height and magnification as words, the command as a byte, then pixels, repeated over the frame.
+#include "api/library.h"
+#include "frame/frame_hook.h"
+#include "fuzz/fuzz_input.h"
+
+#include <cmath>
+#include <memory>
+
+using namespace tesmor;
+
+namespace {
+
+constexpr std::int64_t MOST_BYTES = 1 << 20;
+constexpr std::uint16_t MAGNIFICATIONS[] = {4, 10, 20, 40, 60, 80, 100};
+
+int calls;
+
+void onFrame(const std::uint8_t*, std::int32_t, std::int32_t, void*, std::int32_t)
+{
+    ++calls;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const bool isSetUp = (setUpLibrary(nullptr), true);
+    fuzz::require(isSetUp, "the library is loaded");
+    fuzz::Input input(data, size);
+    const auto width = static_cast<std::int16_t>(input.word());
+    const auto height = static_cast<std::int16_t>(input.word());
+    const std::uint16_t magnification = input.word();
+    const std::uint8_t command = input.byte();
+    const std::int64_t bytes = width > 0 && height > 0 ? (std::int64_t{width} * 24 + 31) / 32 * 4 * height : 0;
+    if (bytes > MOST_BYTES)
+        return -1; // not worth keeping
+
+    const auto count = static_cast<std::size_t>(bytes);
+    const std::unique_ptr<std::uint8_t[]> frame(new std::uint8_t[count]);
+    const auto pixels = input.bytes(size);
+    for (std::size_t i = 0; i < count; ++i)
+        frame[i] = pixels.empty() ? std::uint8_t{7} : pixels[i % pixels.size()];
+
+    library.commandBlock.command = static_cast<CommandCode>(command % 9);
+    library.commandBlock.magnification = magnification % 8 < 7 ? MAGNIFICATIONS[magnification % 8] : magnification;
+    library.commandBlock.frameCallback = onFrame;
+    library.commandBlock.focusValue = -1.0;
+    library.frameRequest = 1;
+    calls = 0;
+    handleFrame(frame.get(), width, height);
+    fuzz::require(library.frameRequest == 0, "a request is taken");
+    const bool isCaptured = library.commandBlock.command == CMD_STACK || library.commandBlock.command == CMD_CAPTURE;
+    fuzz::require(calls == (isCaptured ? 1 : 0), "a captured frame is handed on once");
+    if (library.commandBlock.command == CMD_AUTOFOCUS) {
+        const double value = library.commandBlock.focusValue;
+        fuzz::require(std::isfinite(value) && value >= 0.0, "the focus measure is a number and not negative");
+    }
+    return 0;
+}
