@@ -3,16 +3,17 @@ _tesmor()
 {
     local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} words
     if [[ $COMP_CWORD -eq 1 ]]; then
-        mapfile -t COMPREPLY < <(compgen -W "devices fuse microscope move --help --version" -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W "demo devices fuse microscope move --help --version" -- "$word")
         return
     fi
     case $previous in
         --magnification) words="4 10 20 40 60 80 100" ;;
         --size) words="640x480 1280x960 1920x1440" ;;
         --unit) words="0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15" ;;
-        --offset | --fps | --seed) return ;;
+        --offset | --fps | --seed | --slices | --spacing) return ;;
         *)
             case ${COMP_WORDS[1]} in
+                demo) words="--output --seed --magnification --offset --slices --spacing --planes --help" ;;
                 devices) words="--json --help" ;;
                 fuse) words="--output --quiet --json --help" ;;
                 microscope) words="--magnification --offset --size --fps --seed --unit --help" ;;
@@ -20,7 +21,10 @@ _tesmor()
             esac
             ;;
     esac
-    if [[ ${COMP_WORDS[1]} = fuse && ( $word != -* || $previous = --output ) ]]; then
+    if [[ ${COMP_WORDS[1]} = demo && ( $previous = --output || $previous = --planes ) ]]; then
+        compopt -o dirnames
+        mapfile -t COMPREPLY < <(compgen -d -- "$word")
+    elif [[ ${COMP_WORDS[1]} = fuse && ( $word != -* || $previous = --output ) ]]; then
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
     else
