@@ -5,8 +5,6 @@
 
 #include <QCommandLineParser>
 
-#include <limits>
-
 namespace tesmor::apps {
 
 namespace {
@@ -14,6 +12,7 @@ namespace {
 constexpr int MOST_SLICES = 128;
 constexpr int LARGEST_OFFSET = 1'000'000; // motor steps
 constexpr int LARGEST_MOVE = 65535;
+constexpr int LARGEST_SEED = 999'999'999;
 
 constexpr const char* DESCRIPTION =
     "Shows a whole session on a simulated microscope: starts out of focus, focuses, captures a focus stack and merges\n"
@@ -90,8 +89,7 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
     DemoOptions options{};
     options.output = parser.value("output");
     options.magnification = magnification(parser);
-    options.seed = static_cast<std::uint64_t>(
-        integerOf("--seed", parser.value("seed"), 0, std::numeric_limits<std::int64_t>::max()));
+    options.seed = static_cast<std::uint64_t>(integerOf("--seed", parser.value("seed"), 0, LARGEST_SEED));
     options.offset = optionalInteger(parser, "offset", -LARGEST_OFFSET, LARGEST_OFFSET);
     options.slices = optionalInteger(parser, "slices", 1, MOST_SLICES);
     options.spacing = optionalInteger(parser, "spacing", 1, LARGEST_MOVE / stepsPerUnit(options.magnification));
