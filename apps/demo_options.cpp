@@ -1,11 +1,9 @@
 #include "demo_options.h"
 
+#include "command_line.h"
 #include "subcommand.h"
 
 #include <QCommandLineParser>
-
-#include <cstdio>
-#include <limits>
 
 namespace tesmor::apps {
 
@@ -14,6 +12,7 @@ namespace {
 constexpr int MOST_SLICES = 128;
 constexpr int LARGEST_OFFSET = 1'000'000; // motor steps
 constexpr int LARGEST_MOVE = 65535;
+constexpr int LARGEST_SEED = 999'999'999;
 
 constexpr const char* DESCRIPTION =
     "Shows a whole session on a simulated microscope: starts out of focus, focuses, captures a focus stack and merges\n"
@@ -25,16 +24,11 @@ constexpr const char* DESCRIPTION =
     "Ctrl-C ends it. Exit status: 0 done, 1 failed, 2 wrong usage, 130 stopped.";
 
 // None when the option was not given.
-std::optional<qint64> number(const QCommandLineParser& parser, const QString& name, qint64 least, qint64 most)
+std::optional<int> optionalInteger(const QCommandLineParser& parser, const QString& name, int least, int most)
 {
     if (!parser.isSet(name))
         return std::nullopt;
-    bool valid = false;
-    const qint64 value = parser.value(name).toLongLong(&valid);
-    if (!valid || value < least || value > most)
-        throw UsageError(QString("--%1 %2: must be a whole number from %3 to %4")
-                             .arg(name, parser.value(name), QString::number(least), QString::number(most)));
-    return value;
+    return static_cast<int>(integerOf("--" + name, parser.value(name), least, most));
 }
 
 std::uint16_t magnification(const QCommandLineParser& parser)
@@ -44,8 +38,7 @@ std::uint16_t magnification(const QCommandLineParser& parser)
         if (text == QString::number(known))
             return known;
     }
-    throw UsageError(
-        QString("--magnification %1: there is no such objective; choose 4, 10, 20, 40, 60, 80 or 100").arg(text));
+    throw UsageError(QString("--magnification is '%1'; it must be 4, 10, 20, 40, 60, 80 or 100").arg(text));
 }
 
 } // namespace
@@ -85,14 +78,9 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
          "48, 80x: 100). Default: about half a depth of field.",
          "N"},
         {"planes", "Look at the photographs in DIR, the planes of a specimen in the order of their names.", "DIR"},
-        {{"h", "help"}, "Show this help."},
     });
-    if (!parser.parse(arguments))
-        throw UsageError(parser.errorText().chopped(parser.errorText().endsWith('.') ? 1 : 0));
-    if (parser.isSet("help")) {
-        std::fputs(qPrintable(parser.helpText()), stdout);
+    if (!parseCommandLine(parser, arguments))
         return std::nullopt;
-    }
     if (!parser.positionalArguments().isEmpty())
         throw UsageError(parser.positionalArguments().first() + ": is no option");
     if (parser.value("output").isEmpty())
@@ -101,11 +89,10 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
     DemoOptions options{};
     options.output = parser.value("output");
     options.magnification = magnification(parser);
-    constexpr qint64 LARGEST_SEED = std::numeric_limits<qint64>::max();
-    options.seed = static_cast<std::uint64_t>(number(parser, "seed", 0, LARGEST_SEED).value_or(1));
-    options.offset = number(parser, "offset", -LARGEST_OFFSET, LARGEST_OFFSET);
-    options.slices = number(parser, "slices", 1, MOST_SLICES);
-    options.spacing = number(parser, "spacing", 1, LARGEST_MOVE / stepsPerUnit(options.magnification));
+    options.seed = static_cast<std::uint64_t>(integerOf("--seed", parser.value("seed"), 0, LARGEST_SEED));
+    options.offset = optionalInteger(parser, "offset", -LARGEST_OFFSET, LARGEST_OFFSET);
+    options.slices = optionalInteger(parser, "slices", 1, MOST_SLICES);
+    options.spacing = optionalInteger(parser, "spacing", 1, LARGEST_MOVE / stepsPerUnit(options.magnification));
     if (parser.isSet("planes"))
         options.planes = parser.value("planes");
     return options;
