@@ -4,7 +4,7 @@
 #include "ratio.h"
 #include "stack.h"
 
-#include <algorithm>
+#include <random>
 
 namespace tesmor::bench {
 
@@ -44,11 +44,14 @@ public:
         forward_ = backward_ = nullptr;
     }
 
-    // Unnormalised transforms let the values grow; from these they stay finite for one run.
+    // With noise, as an image has. Unnormalised transforms let the values grow; from these they stay finite for a run.
     void fill()
     {
-        for (fftw_complex* array : {plane_, spectrum_})
-            std::fill_n(&array[0][0], 2 * count(), 1e-9);
+        std::minstd_rand random;
+        for (std::size_t i = 0; i < count(); ++i) {
+            plane_[i][0] = static_cast<double>(random() % 256);
+            plane_[i][1] = 0.0;
+        }
     }
 
     void run() const

@@ -51,6 +51,17 @@ TESMOR_CPU_CLONES void loadValues(const float* values, std::size_t count, fftw_c
     }
 }
 
+// How far beyond the cutoff each frequency of a row lies; v and u are 1 at zero frequency and 0 at the highest.
+TESMOR_CPU_CLONES void distancesBeyond(double cutoff, double v, double columnStep, std::int32_t width,
+                                       double* distances) noexcept
+{
+    const double rootOfTwo = std::sqrt(2.0);
+    for (std::int32_t x = 0; x < width; ++x) {
+        const double u = 1.0 - x * columnStep;
+        distances[x] = std::sqrt(v * v + u * u) / rootOfTwo - cutoff;
+    }
+}
+
 TESMOR_CPU_CLONES void multiply(fftw_complex* spectrum, const double* gain, double scale, std::size_t count) noexcept
 {
     for (std::size_t i = 0; i < count; ++i) {
@@ -126,16 +137,11 @@ void SharpenEngine::buildGain() noexcept
     const double flatGain = gainAt(0.0);
     const double columnStep = 2.0 / width_;
     const double rowStep = 2.0 / height_;
-    const double rootOfTwo = std::sqrt(2.0);
-    double* gain = gain_.get();
-    for (std::uint32_t y = 0; y < height_; ++y) {
-        const double v = 1.0 - y * rowStep;
-        for (std::uint32_t x = 0; x < width_; ++x) {
-            const double u = 1.0 - x * columnStep;
-            const double r = std::sqrt(v * v + u * u) / rootOfTwo;
-            const double t = r - cutoff_;
-            *gain++ = t <= 0.0 ? flatGain : gainAt(std::min(t, 1.0));
-        }
+    double* row = gain_.get();
+    for (std::uint32_t y = 0; y < height_; ++y, row += width_) {
+        distancesBeyond(cutoff_, 1.0 - y * rowStep, columnStep, static_cast<std::int32_t>(width_), row);
+        std::transform(row, row + width_, row,
+                       [&](double t) { return t <= 0.0 ? flatGain : gainAt(std::min(t, 1.0)); });
     }
 }
 
