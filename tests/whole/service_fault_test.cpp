@@ -33,19 +33,19 @@ struct Fault {
     const char* name;
     Faults faults;
     bool isFatal;                   // the operation fails, else it succeeds
-    std::chrono::milliseconds time; // that it costs the operation at most, a second for a busy machine included
+    std::chrono::milliseconds time; // that it costs the operation at most, three seconds for a busy machine included
 };
 
 const Fault FAULTS[] = {
-    {"refuses a move", {.refuseMoves = 1}, false, 20ms + 1s},
-    {"refuses every move", {.refuseMoves = 5}, true, 100ms + 1s},
-    {"refuses any request", {.refuseRequests = 1}, false, 20ms + 1s},
-    {"sends rubbish", {.rubbishReplies = 1000}, false, 1s},
-    {"acknowledges late", {.acknowledgementDelay = 20ms}, false, 30 * 20ms + 1s},
-    {"hangs", {.hangRequests = 1}, true, 1000ms + 100ms + 1s},
-    {"goes at a request", {.vanishAtRequest = true}, true, 100ms + 1s},
-    {"goes before a reply", {.vanishBeforeReply = true}, true, 100ms + 1s},
-    {"goes in a move", {.vanishInMove = true}, true, 100ms + 1s},
+    {"refuses a move", {.refuseMoves = 1}, false, 20ms + 3s},
+    {"refuses every move", {.refuseMoves = 5}, true, 100ms + 3s},
+    {"refuses any request", {.refuseRequests = 1}, false, 20ms + 3s},
+    {"sends rubbish", {.rubbishReplies = 1000}, false, 3s},
+    {"acknowledges late", {.acknowledgementDelay = 20ms}, false, 30 * 20ms + 3s},
+    {"hangs", {.hangRequests = 1}, true, 1000ms + 100ms + 3s},
+    {"goes at a request", {.vanishAtRequest = true}, true, 100ms + 3s},
+    {"goes before a reply", {.vanishBeforeReply = true}, true, 100ms + 3s},
+    {"goes in a move", {.vanishInMove = true}, true, 100ms + 3s},
 };
 
 class ServiceFaults : public LibraryTest {
