@@ -21,14 +21,7 @@ _tesmor()
             esac
             ;;
     esac
-<<<<<<< HEAD
-    if [[ ${COMP_WORDS[1]} = demo && ( $previous = --output || $previous = --planes ) ]]; then
-        compopt -o dirnames
-        mapfile -t COMPREPLY < <(compgen -d -- "$word")
-    elif [[ ${COMP_WORDS[1]} = fuse && ( $word != -* || $previous = --output ) ]]; then
-=======
     if [[ $previous = --output || $previous = --planes || ( ${COMP_WORDS[1]} = fuse && $word != -* ) ]]; then
->>>>>>> heads/main
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
     else
