@@ -1,5 +1,5 @@
 // Sharpens an image of a fixed size by a radial boost of its high frequencies, in the two-dimensional discrete Fourier
-// domain. The colours are transformed one after the other, each by itself, as complex numbers with imaginary part 0: so
+// domain. Colours are transformed one after the other, each by itself, as complex numbers without an imaginary part: so
 // one plane and one spectrum are all the memory that is needed, and the planner uses them before the first image.
 //
 // One sharpening of a colour: load, forward, applyGain, inverse, storeRow for each row. prepare and buildGain come once
