@@ -1,12 +1,11 @@
 // The idle frame hook, and what passes between the host's threads and the worker, against bare loads and wake-ups.
 #include "api/library.h"
 #include "api/tesmor.h"
+#include "bare_signal.h"
 #include "frame/frame_wait.h"
 #include "ratio.h"
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 
 namespace tesmor::bench {
@@ -34,31 +33,6 @@ void idleHook(benchmark::State& state)
     compare<ProcessorTime>(
         state, figure, [] {}, [&] { callOften(bareHook); }, [&] { callOften(tesmor_video); }, calls);
 }
-
-// What one thread leaves for another, with nothing around it.
-class BareSignal {
-public:
-    void set()
-    {
-        {
-            std::lock_guard guard(mutex_);
-            set_ = true;
-        }
-        changed_.notify_one();
-    }
-
-    void wait()
-    {
-        std::unique_lock guard(mutex_);
-        changed_.wait(guard, [this] { return set_; });
-        set_ = false;
-    }
-
-private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    bool set_ = false;
-};
 
 constexpr int ROUNDS = 500;
 
