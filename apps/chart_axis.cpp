@@ -45,7 +45,8 @@ QValueAxis* makeAxis(const QString& title, const Range& range)
     axis->setTitleText(title);
     axis->setTitleFont(chartFont(12));
     axis->setLabelsFont(chartFont(11));
-    axis->setLabelFormat(interval >= 1 ? "%.0f" : interval >= 0.1 ? "%.1f" : "%.3f");
+    const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(interval) + 1e-9)));
+    axis->setLabelFormat(QString("%.%1f").arg(decimals));
     axis->setRange(range.low, range.high);
     axis->setTickType(QValueAxis::TicksDynamic);
     axis->setTickAnchor(0);

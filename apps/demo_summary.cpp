@@ -74,8 +74,8 @@ QString likelyCause(const DemoSummary& summary)
     constexpr double FAR = 10; // depths of field; nearer, the view of the virtual microscope shows where to go
     const double startDistance = std::abs(static_cast<double>(summary.startPosition) - summary.bestPosition);
     if (startDistance > FAR * summary.unitOfDistance)
-        return QString("the start is %1 depths of field away, where the view is so blurred that the search sees\n"
-                       "  noise rather than focus; start nearer, with a smaller --offset")
+        return QString("the start is %1 depths of field away, where the view is so blurred that noise outweighs\n"
+                       "  the rise towards the focus; start nearer, with a smaller --offset")
             .arg(startDistance / summary.unitOfDistance, 0, 'f', 1);
     return "the contrast of this view has more than one peak, and the search climbs the first that it meets;\n"
            "  try another --offset or --seed";

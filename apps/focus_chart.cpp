@@ -133,12 +133,14 @@ private:
     QValueAxis* sharpnessAxis_;
 };
 
-// Positions and sharpness of the samples that `use` selects; the marks' positions too.
+// Positions and sharpness of the samples that `use` selects, with the chosen position and, if `withBest`, the true one.
 template <class Use>
-std::pair<Range, Range> rangesOf(const FocusChart& chart, Use use)
+std::pair<Range, Range> rangesOf(const FocusChart& chart, bool withBest, Use use)
 {
     const auto chosen = static_cast<double>(chart.chosenPosition);
-    Range positions{std::min(chosen, chart.bestPosition), std::max(chosen, chart.bestPosition)};
+    Range positions{chosen - 1, chosen + 1};
+    if (withBest)
+        positions.include(chart.bestPosition);
     std::optional<Range> sharpness;
     for (const TraceStep& step : chart.trace) {
         if (!step.sample || !use(step))
@@ -150,7 +152,7 @@ std::pair<Range, Range> rangesOf(const FocusChart& chart, Use use)
     }
     const Range found = sharpness.value_or(Range{0, 0});
     return {positions.widened(0.05),
-            found.high - found.low > 0.01 ? found.widened(0.08) : Range{found.low - 1, found.high + 1}};
+            found.high - found.low > 0.001 ? found.widened(0.08) : Range{found.low - 1, found.high + 1}};
 }
 
 void renderChart(QChart* chart, QPainter& painter, const QRectF& place)
@@ -175,9 +177,10 @@ QImage drawFocusChart(const FocusChart& chart)
     painter.setFont(chartFont(15, true));
     painter.drawText(QRect(0, 8, WIDTH, TITLE_HEIGHT), Qt::AlignCenter, chart.title);
 
-    const auto [positions, sharpness] = rangesOf(chart, [](const TraceStep&) { return true; });
+    const auto [positions, sharpness] = rangesOf(chart, true, [](const TraceStep&) { return true; });
+    const bool isNear = std::abs(static_cast<double>(chart.chosenPosition) - chart.bestPosition) <= chart.margin;
     const auto [nearPositions, nearSharpness] =
-        rangesOf(chart, [](const TraceStep& step) { return step.phase == SearchPhase::FINE; });
+        rangesOf(chart, isNear, [](const TraceStep& step) { return step.phase == SearchPhase::FINE; });
     const int plotHeight = HEIGHT - TITLE_HEIGHT;
     renderChart(Plot(chart, "The whole search", positions, sharpness).chart(), painter,
                 QRectF(0, TITLE_HEIGHT, LEFT_WIDTH, plotHeight));
