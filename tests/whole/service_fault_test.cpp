@@ -1,5 +1,5 @@
-// The whole library on the real link: a drive service that fails in every way, early and late in an autofocus and a stack.
-// Manual moves: whole/drive_faults_test.cpp.
+// The whole library on the real link: a drive service that fails in every way, early and late in every operation that
+// moves the focus.
 #include "api/result_codes.h"
 #include "microscope/virtual_microscope.h"
 #include "support/call_recorder.h"
@@ -24,6 +24,7 @@ struct Operation {
 };
 
 const Operation OPERATIONS[] = {
+    {"manual move", [](CallRecorder& r) { tesmor_manual(90, CallRecorder::onDone, &r); }, SUCCESS, {0}},
     {"autofocus", [](CallRecorder& r) { tesmor_start(40, CallRecorder::onDone, &r); }, SUCCESS, {0, 4, 12}},
     {"stack", [](CallRecorder& r) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &r, 0); }, STACK_DONE, {0, 1, 3}},
 };
@@ -32,19 +33,19 @@ struct Fault {
     const char* name;
     Faults faults;
     bool isFatal;                   // the operation fails, else it succeeds
-    std::chrono::milliseconds time; // that it costs the operation at most, three seconds for a busy machine included
+    std::chrono::milliseconds time; // that it costs the operation at most, five seconds for a busy machine included
 };
 
 const Fault FAULTS[] = {
-    {"refuses a move", {.refuseMoves = 1}, false, 20ms + 3s},
-    {"refuses every move", {.refuseMoves = 5}, true, 100ms + 3s},
-    {"refuses any request", {.refuseRequests = 1}, false, 20ms + 3s},
-    {"sends rubbish", {.rubbishReplies = 1000}, false, 3s},
-    {"acknowledges late", {.acknowledgementDelay = 20ms}, false, 30 * 20ms + 3s},
-    {"hangs", {.hangRequests = 1}, true, 1000ms + 100ms + 3s},
-    {"goes at a request", {.vanishAtRequest = true}, true, 100ms + 3s},
-    {"goes before a reply", {.vanishBeforeReply = true}, true, 100ms + 3s},
-    {"goes in a move", {.vanishInMove = true}, true, 100ms + 3s},
+    {"refuses a move", {.refuseMoves = 1}, false, 20ms + 5s},
+    {"refuses every move", {.refuseMoves = 5}, true, 100ms + 5s},
+    {"refuses any request", {.refuseRequests = 1}, false, 20ms + 5s},
+    {"sends rubbish", {.rubbishReplies = 1000}, false, 5s},
+    {"acknowledges late", {.acknowledgementDelay = 20ms}, false, 30 * 20ms + 5s},
+    {"hangs", {.hangRequests = 1}, true, 1000ms + 100ms + 5s},
+    {"goes at a request", {.vanishAtRequest = true}, true, 100ms + 5s},
+    {"goes before a reply", {.vanishBeforeReply = true}, true, 100ms + 5s},
+    {"goes in a move", {.vanishInMove = true}, true, 100ms + 5s},
 };
 
 class ServiceFaults : public LibraryTest {
