@@ -122,6 +122,7 @@ int run(VirtualMicroscope& microscope)
     tellFocus(microscope);
     if (!readerEnded)
         leaveInterrupted(); // the camera may stand in a write that nobody reads
+    microscope.stop();      // no frame comes once readerEnded has gone
     return STATUS_DONE;
 }
 
