@@ -2,14 +2,18 @@
 #include "figures.h"
 
 #include <benchmark/benchmark.h>
+#include <iostream>
 
+// What Google Benchmark tells goes to the standard error stream, the table to the standard output.
 int main(int count, char** arguments)
 {
     tesmor::setUpLibrary(nullptr);
     benchmark::Initialize(&count, arguments);
     if (benchmark::ReportUnrecognizedArguments(count, arguments))
         return 1;
-    benchmark::RunSpecifiedBenchmarks();
+    benchmark::ConsoleReporter reporter;
+    reporter.SetOutputStream(&std::cerr);
+    benchmark::RunSpecifiedBenchmarks(&reporter);
     tesmor::bench::printFigures();
     return 0;
 }
