@@ -35,6 +35,8 @@ struct Library {
 
     std::atomic<std::int32_t> runFlag{0};      // 0 asks the running command to give up
     std::atomic<std::int32_t> frameRequest{0}; // the worker waits for a frame
+    std::atomic<std::uint32_t> frameWait{0};   // the number of the worker's present or last frame wait
+    std::atomic<std::uint32_t> servedWait{0};  // the number of the wait that frameEvent was last set for
     std::atomic<std::int32_t> busyFlag{0};     // what tesmor_doing returns
 
     platform::ThreadHandle workerHandle = nullptr;

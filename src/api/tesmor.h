@@ -16,17 +16,17 @@
  *   12800 steps of the focus motor are one turn of the focus, 360 degrees. A positive move is forward.
  *
  * @par Threads
- *   Every function may be called from any thread but the worker, tesmor_doing and tesmor_video from any thread at all.
+ *   Every function may be called from any thread but the worker, tesmor_doing from any thread at all.
  *   A posting function (all but tesmor_init, tesmor_doing and tesmor_video) first waits, WITHOUT LIMIT, until the
  *   worker is idle; of several threads that post at once one proceeds and the others wait their turn. An abort on one
  *   thread may be overtaken by a post on another; it then waits until that command has ended by itself.
  * @par
- *   tesmor_init and tesmor_fini must not overlap. A command that another thread posts during tesmor_fini is run after
+ *   No two calls of tesmor_init and tesmor_fini may overlap. A command that another thread posts during tesmor_fini is run after
  *   the next tesmor_init; posts after it wait until then. A child process made by fork must not use the library.
  * @par
  *   Do not post from a callback. On the worker thread the post would wait for itself, for ever. On the video thread
- *   (a live frame in FrameCallback) it would keep the worker waiting for the very callback that posts, until the
- *   frame wait gives up after 4 seconds with TESMOR_NO_FRAME. Hand the wish to another thread instead.
+ *   (a live frame in FrameCallback) a post that does not abort would keep the worker waiting for the very callback
+ *   that posts, until the frame wait gives up after 4 seconds with TESMOR_NO_FRAME. Hand the wish to another thread instead.
  * @par
  *   A fusion uses FFTW, whose planner serves one thread at a time: a host that uses FFTW itself must not plan meanwhile.
  *
@@ -114,8 +114,8 @@ typedef void (*DoneCallback)(void* context, int32_t result);
  * - image = the fusion's output, with its size and the fusion's result code: the fusion has ended, on the worker thread.
  *   Unless result is TESMOR_SUCCESS the output is untouched.
  *
- * It must not post. A report of TESMOR_ABORTED or TESMOR_NO_FRAME may arrive while a live frame is still being
- * handled on the video thread; at no other time do two calls overlap.
+ * It must not post. After an abort or a time-out a live frame may still be in this callback, on the video thread, while
+ * the report or calls of later commands arrive; at no other time do two calls overlap.
  * @param image a frame, the fused image, or null
  * @param width,height its size, or 0
  * @param context the host's own pointer
@@ -132,8 +132,9 @@ TESMOR_API int32_t tesmor_init(void);
 /**
  * Aborts the running command, ends the worker thread and waits for it without limit; the focus drive is closed.
  * The only function that gives back what tesmor_init took. Never from a callback.
- * @return nonzero when the last call to the system succeeded. Without a worker it returns at once if no command was
- * posted since the last one ended, and otherwise blocks for ever.
+ * Call it once for each tesmor_init, never without a worker: it would block for ever where a command is still waiting,
+ * and otherwise end the next worker as soon as that starts.
+ * @return nonzero when the last call to the system succeeded.
  */
 TESMOR_API int32_t tesmor_fini(void);
 
@@ -172,7 +173,8 @@ TESMOR_API int32_t tesmor_doing(void);
 TESMOR_API int32_t tesmor_start(uint16_t magnification, DoneCallback doneCallback, void* context);
 
 /**
- * Aborts whatever runs. An aborted command reports TESMOR_ABORTED through its own callback before this returns.
+ * Aborts whatever runs. The aborted command reports TESMOR_ABORTED through its own callback before this returns; a
+ * capture says nothing, and a command past its last look for an abort reports its result as always.
  * @return nonzero when the worker could be woken
  */
 TESMOR_API int32_t tesmor_stop(void);
@@ -215,7 +217,8 @@ TESMOR_API int32_t tesmor_capture(FrameCallback frameCallback, void* context);
 /**
  * Fusion: merges images of one field at different focus into one that is sharp throughout.
  * Takes about 64 bytes of memory a pixel and 8 MB beside the images, however many there are, and does not start unless
- * twice as much can be had. The worker runs at the lowest priority meanwhile.
+ * twice as much can be had. The worker runs at the lowest priority meanwhile from which the system
+ * lets it come back; on Linux, for an ordinary user, that is hardly lower than before.
  * @param images count pointers to images of width x height; the array itself is copied, the pixels are not
  * @param count 0 to 128; a larger count is the host's fault and overruns the library's memory
  * @param width,height of every image and of output, at least 2 x 2
@@ -234,7 +237,8 @@ TESMOR_API int32_t tesmor_fusion(const uint8_t* const* images, uint64_t count, u
  * Manual move: turns the focus by an angle and reports when the motor has stopped. The drive stays open for the next
  * manual move, until tesmor_reset or another command that moves the focus. Cannot be aborted.
  * @param angle degrees, positive forward; one motor step is 0.028125 degrees. Stay under 1843.2 degrees (5.12
- *   turns) either way: the step count is sent in 16 bits, and what is above wraps round
+ *   turns) either way: the step count is sent in 16 bits, and what is above wraps round.
+ *   Beyond 60 million degrees the move is undefined
  * @param doneCallback may be null
  * @param context handed to every call of the callback
  * @return nonzero when the worker could be woken

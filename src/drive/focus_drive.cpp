@@ -9,16 +9,6 @@ namespace tesmor {
 
 FocusDrive::FocusDrive() noexcept
 {
-    open();
-}
-
-FocusDrive::~FocusDrive()
-{
-    close();
-}
-
-void FocusDrive::open() noexcept
-{
     for (unsigned unit = 0; unit < MAX_DRIVE_UNITS && !hasDevice(); ++unit) {
         if (platform::deviceExists(unit))
             device_ = platform::openDevice(unit);
@@ -27,14 +17,13 @@ void FocusDrive::open() noexcept
     opened_ = sendRequest(DRIVE_REQ_OPEN, 0, 0);
 }
 
-void FocusDrive::close() noexcept
+FocusDrive::~FocusDrive()
 {
     if (!hasDevice())
         return;
     if (opened_)
         sendRequest(DRIVE_REQ_CLOSE, 0, 0);
     platform::closeDevice(device_);
-    device_ = platform::INVALID_DEVICE;
 }
 
 bool FocusDrive::sendRequest(std::uint8_t request, std::uint16_t value, std::uint16_t index) noexcept

@@ -14,7 +14,6 @@ inline constexpr std::uint32_t ACK_TIMEOUT_MS = 1500;
 inline constexpr std::uint32_t DRIVE_RETRY_PAUSE_MS = 20;
 inline constexpr int SEND_ATTEMPTS = 5; // per move
 inline constexpr int ACK_READS = 5;     // per move, in total
-inline constexpr std::int32_t STEPS_PER_TURN = 12800;
 
 // Worker thread only; at most one at a time is open. Never throws.
 class FocusDrive {
@@ -22,7 +21,7 @@ public:
     // Takes the lowest unit that exists and opens. Always yields the object; hasDevice tells whether there is a drive.
     FocusDrive() noexcept;
 
-    // Releases the drive where the driver had accepted it.
+    // Closes the device, released first where the driver had accepted the opening.
     ~FocusDrive();
 
     FocusDrive(const FocusDrive&) = delete;
@@ -35,15 +34,14 @@ public:
 
     // Moves the motor and waits for its acknowledgement. True when the move was accepted and acknowledged; false after
     // SEND_ATTEMPTS refusals, or after ACK_READS vain reads of an accepted move, which is never sent again.
-    // Blocks for 5 x 20 ms at most when the driver refuses and 5 x (1500 + 20) ms when no acknowledgement comes.
+    // Blocks for 5 x 20 ms at most when the driver refuses and 5 x (1500 + 20) ms when no acknowledgement comes, and for
+    // what the driver takes to answer each request (platform/drive_device.h).
     bool move(std::uint16_t steps, bool reverse) noexcept;
 
     // A signed displacement as a move: the low 16 bits of its size; reverse when it is 0 or negative.
     bool moveBy(std::int32_t displacement) noexcept;
 
 private:
-    void open() noexcept;
-    void close() noexcept;
     bool sendRequest(std::uint8_t request, std::uint16_t value, std::uint16_t index) noexcept;
     bool readAck() noexcept;
 

@@ -10,6 +10,8 @@ namespace tesmor {
 
 namespace {
 
+constexpr std::int32_t STEPS_PER_TURN = 12800;
+
 // Truncated toward zero. The step count must fit 32 bits.
 std::int32_t stepsOfAngle(double angle) noexcept
 {

@@ -39,8 +39,8 @@ std::int32_t wrappingNegation(std::int32_t a) noexcept
 }
 
 template <class Report>
-std::int32_t runStack(FocusDrive& drive, std::int32_t stepsPerSlice, std::uint16_t sliceCount, bool notifyOnly,
-                      Report report)
+std::int32_t captureSlices(FocusDrive& drive, std::int32_t stepsPerSlice, std::uint16_t sliceCount, bool notifyOnly,
+                           Report report)
 {
     if (!drive.hasDevice())
         return NO_DRIVE;
@@ -69,7 +69,7 @@ void captureStack(std::uint16_t magnification, std::uint16_t sliceCount, std::in
     library.manualDrive.reset();
     FocusDrive drive; // still open while the result is reported
     const std::int32_t stepsPerSlice = wrappingProduct(stepUnit(magnification), sliceSpacing);
-    report(runStack(drive, stepsPerSlice, sliceCount, notifyOnly != 0, report));
+    report(captureSlices(drive, stepsPerSlice, sliceCount, notifyOnly != 0, report));
 }
 
 } // namespace tesmor

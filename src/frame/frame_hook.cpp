@@ -11,18 +11,24 @@ namespace tesmor {
 
 namespace {
 
-// The command that waits for a frame. Request and command are taken at once: a request that its command gives up
-// meanwhile must not be served for the command that is posted next.
-std::optional<CommandBlock> takeRequest() noexcept
+struct Request {
+    CommandBlock block;
+    std::uint32_t wait;
+};
+
+// Request, command and number of the wait are taken at once: a request that its command gives up meanwhile must not be
+// served for the command that is posted next, which takes the lock, too.
+std::optional<Request> takeRequest() noexcept
 {
     std::lock_guard guard(library.commandLock);
     if (library.frameRequest.exchange(0) == 0)
         return std::nullopt;
-    return library.commandBlock;
+    return Request{library.commandBlock, library.frameWait};
 }
 
-void serveFrame(const CommandBlock& block, const std::uint8_t* image, std::int32_t width, std::int32_t height)
+void serveFrame(const Request& request, const std::uint8_t* image, std::int32_t width, std::int32_t height)
 {
+    const CommandBlock& block = request.block;
     switch (block.command) {
     case CMD_STACK:
     case CMD_CAPTURE:
@@ -37,6 +43,7 @@ void serveFrame(const CommandBlock& block, const std::uint8_t* image, std::int32
     default:
         return;
     }
+    library.servedWait = request.wait;
     library.frameEvent.set();
 }
 
@@ -46,8 +53,8 @@ void handleFrame(const std::uint8_t* image, std::int32_t width, std::int32_t hei
 {
     if (library.frameRequest.load(std::memory_order_relaxed) == 0)
         return;
-    if (const std::optional<CommandBlock> block = takeRequest())
-        serveFrame(*block, image, width, height);
+    if (const std::optional<Request> request = takeRequest())
+        serveFrame(*request, image, width, height);
 }
 
 } // namespace tesmor

@@ -16,11 +16,12 @@ constexpr std::uint32_t FRAME_TIMEOUT_MS = 4000;
 std::int32_t waitForFrame()
 {
     library.frameEvent.reset();
+    const std::uint32_t thisWait = ++library.frameWait;
     library.frameRequest = 1;
     const std::uint32_t start = platform::tickMilliseconds();
     while (library.runFlag != 0) {
-        // A signal while the request still stands is that of an earlier, given-up request.
-        if (library.frameEvent.waitFor(ABORT_CHECK_MS) && library.frameRequest == 0)
+        // The signal may be that of an earlier wait, which gave up while its frame was being served.
+        if (library.frameEvent.waitFor(ABORT_CHECK_MS) && library.servedWait == thisWait)
             break;
         if (platform::tickMilliseconds() - start > FRAME_TIMEOUT_MS) {
             library.runFlag = 0;

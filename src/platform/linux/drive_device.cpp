@@ -132,6 +132,7 @@ private:
         ::shutdown(socketFd_, SHUT_RDWR);
         ::close(socketFd_);
         socketFd_ = -1;
+        keptAcknowledgements_ = 0;
     }
 
     bool send(std::uint32_t code, std::span<const std::uint8_t> input) noexcept
