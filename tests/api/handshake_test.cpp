@@ -34,37 +34,6 @@ TEST_F(Handshake, FirstPostWithoutWorkerReturnsTheSecondWaitsForOne)
     EXPECT_NE(second.get(), 0);
 }
 
-TEST_F(Handshake, EveryPostIsRunOnceUnderContention)
-{
-    constexpr int threads = 4;
-    constexpr int postsPerThread = 200;
-    ASSERT_EQ(tesmor_init(), 1);
-    std::vector<std::jthread> posters;
-    for (int i = 0; i < threads; ++i) {
-        posters.emplace_back([this] {
-            for (int post = 0; post < postsPerThread; ++post)
-                tesmor_manual(1.0, CallRecorder::onDone, &recorder);
-        });
-    }
-    posters.clear();
-    waitUntilIdle();
-    EXPECT_EQ(recorder.calls(), std::vector<Call>(threads * postsPerThread, report(NO_DRIVE)));
-}
-
-TEST_F(Handshake, StopEndsAWaitForFramesAndReportsBeforeItReturns)
-{
-    device.existingUnits = device.openingUnits = {0};
-    ASSERT_EQ(tesmor_init(), 1);
-    tesmor_start(10, CallRecorder::onDone, &recorder);
-    ASSERT_TRUE(eventually([] { return library.frameRequest == 1; }));
-    EXPECT_EQ(tesmor_doing(), 1);
-    EXPECT_NE(tesmor_stop(), 0);
-    EXPECT_EQ(recorder.calls(), std::vector{report(ABORTED)});
-    EXPECT_EQ(tesmor_doing(), 0);
-    EXPECT_EQ(library.frameRequest, 0);
-    EXPECT_FALSE(device.isOpen());
-}
-
 TEST_F(Handshake, ManualMoveWaitsForTheRunningCommandInsteadOfAbortingIt)
 {
     ASSERT_EQ(tesmor_init(), 1);
@@ -105,111 +74,54 @@ int newContext;
 std::uint8_t pixels[2];
 const std::uint8_t* const newImages[] = {&pixels[0], &pixels[1]};
 
-const Post posts[] = {
-    {"start", [] { return tesmor_start(40, onDone, &newContext); }, 1,
-     [](CommandBlock& block) {
-         block.command = CMD_AUTOFOCUS;
-         block.angle = 0;
-         block.magnification = 40;
-         block.doneCallback = onDone;
-         block.context = &newContext;
-     }},
-    {"startif", [] { return tesmor_startif(20, 3, -4, onFrame, &newContext, 5); }, 1,
-     [](CommandBlock& block) {
-         block.command = CMD_STACK;
-         block.angle = 0;
-         block.magnification = 20;
-         block.sliceCount = 3;
-         block.sliceSpacing = -4;
-         block.notifyOnly = 5;
-         block.frameCallback = onFrame;
-         block.context = &newContext;
-         block.doneCallback = nullptr;
-         block.width = block.height = 0;
-     }},
-    {"capture", [] { return tesmor_capture(onFrame, &newContext); }, 1,
-     [](CommandBlock& block) {
-         block.command = CMD_CAPTURE;
-         block.angle = 0;
-         block.magnification = 0;
-         block.sliceCount = 0;
-         block.sliceSpacing = 0;
-         block.notifyOnly = 0;
-         block.doneCallback = nullptr;
-         block.frameCallback = onFrame;
-         block.context = &newContext;
-         block.width = block.height = 0;
-     }},
-    {"fusion", [] { return tesmor_fusion(newImages, 2, 30, 40, pixels, onFrame, &newContext); }, 1,
-     [](CommandBlock& block) {
-         block.command = CMD_FUSION;
-         block.doneCallback = nullptr;
-         block.frameCallback = onFrame;
-         block.context = &newContext;
-         block.images[0] = newImages[0];
-         block.images[1] = newImages[1];
-         block.output = pixels;
-         block.imageCount = 2;
-         block.width = 30;
-         block.height = 40;
-     }},
-    {"fusion of nothing", [] { return tesmor_fusion(nullptr, 0, 30, 40, pixels, onFrame, &newContext); }, 1,
-     [](CommandBlock& block) {
-         block.command = CMD_FUSION;
-         block.doneCallback = nullptr;
-         block.frameCallback = onFrame;
-         block.context = &newContext;
-         block.output = pixels;
-         block.imageCount = 0;
-         block.width = 30;
-         block.height = 40;
-     }},
-    {"manual", [] { return tesmor_manual(-2.5, onDone, &newContext); }, 7,
-     [](CommandBlock& block) {
-         block.command = CMD_MANUAL;
-         block.angle = -2.5;
-         block.magnification = 0;
-         block.doneCallback = onDone;
-         block.frameCallback = nullptr;
-         block.context = &newContext;
-     }},
-    {"reset", [] { return tesmor_reset(); }, 7, [](CommandBlock& block) { block.command = CMD_RESET; }},
-    {"stop", [] { return tesmor_stop(); }, 1,
-     [](CommandBlock& block) {
-         block.command = CMD_IDLE;
-         block.angle = 0;
-         block.magnification = 0;
-     }},
-    {"fini", [] { return tesmor_fini(); }, 1,
-     [](CommandBlock& block) {
-         block.command = CMD_QUIT;
-         block.angle = 0;
-         block.magnification = 0;
-     }},
-};
-
-CommandBlock blockOfAnEarlierCommand()
+void setFrameCommand(CommandBlock& b, CommandCode command, std::uint32_t width, std::uint32_t height)
 {
-    CommandBlock block{};
-    block.command = static_cast<CommandCode>(99);
-    block.magnification = 98;
-    block.angle = 97;
-    block.sliceCount = 96;
-    block.sliceSpacing = 95;
-    block.focusValue = 94;
-    block.doneCallback = [](void*, std::int32_t) {};
-    block.frameCallback = [](const std::uint8_t*, std::int32_t, std::int32_t, void*, std::int32_t) {};
-    block.context = &block;
-    block.notifyOnly = 93;
-    block.images.fill(reinterpret_cast<const std::uint8_t*>(92));
-    block.output = reinterpret_cast<std::uint8_t*>(91);
-    block.imageCount = 90;
-    block.width = 89;
-    block.height = 88;
-    return block;
+    std::tie(b.command, b.doneCallback, b.frameCallback) = std::make_tuple(command, nullptr, onFrame);
+    std::tie(b.context, b.width, b.height) = std::make_tuple(&newContext, width, height);
 }
 
-auto fieldsOf(const CommandBlock& b)
+const Post posts[] = {
+    {"start", [] { return tesmor_start(40, onDone, &newContext); }, 1,
+     [](CommandBlock& b) {
+         std::tie(b.command, b.angle, b.magnification) = std::make_tuple(CMD_AUTOFOCUS, 0, 40);
+         std::tie(b.doneCallback, b.context) = std::make_tuple(onDone, &newContext);
+     }},
+    {"startif", [] { return tesmor_startif(20, 3, -4, onFrame, &newContext, 5); }, 1,
+     [](CommandBlock& b) {
+         setFrameCommand(b, CMD_STACK, 0, 0);
+         std::tie(b.angle, b.magnification) = std::make_tuple(0, 20);
+         std::tie(b.sliceCount, b.sliceSpacing, b.notifyOnly) = std::make_tuple(3, -4, 5);
+     }},
+    {"capture", [] { return tesmor_capture(onFrame, &newContext); }, 1,
+     [](CommandBlock& b) {
+         setFrameCommand(b, CMD_CAPTURE, 0, 0);
+         std::tie(b.angle, b.magnification) = std::make_tuple(0, 0);
+         std::tie(b.sliceCount, b.sliceSpacing, b.notifyOnly) = std::make_tuple(0, 0, 0);
+     }},
+    {"fusion", [] { return tesmor_fusion(newImages, 2, 30, 40, pixels, onFrame, &newContext); }, 1,
+     [](CommandBlock& b) {
+         setFrameCommand(b, CMD_FUSION, 30, 40);
+         std::tie(b.images[0], b.images[1]) = std::make_tuple(newImages[0], newImages[1]);
+         std::tie(b.imageCount, b.output) = std::make_tuple(2, pixels);
+     }},
+    {"fusion of nothing", [] { return tesmor_fusion(nullptr, 0, 30, 40, pixels, onFrame, &newContext); }, 1,
+     [](CommandBlock& b) {
+         setFrameCommand(b, CMD_FUSION, 30, 40);
+         std::tie(b.imageCount, b.output) = std::make_tuple(0, pixels);
+     }},
+    {"manual", [] { return tesmor_manual(-2.5, onDone, &newContext); }, 7,
+     [](CommandBlock& b) {
+         std::tie(b.command, b.angle, b.magnification) = std::make_tuple(CMD_MANUAL, -2.5, 0);
+         std::tie(b.doneCallback, b.frameCallback, b.context) = std::make_tuple(onDone, nullptr, &newContext);
+     }},
+    {"reset", tesmor_reset, 7, [](CommandBlock& b) { b.command = CMD_RESET; }},
+    {"stop", tesmor_stop, 1,
+     [](CommandBlock& b) { std::tie(b.command, b.angle, b.magnification) = std::make_tuple(CMD_IDLE, 0, 0); }},
+    {"fini", tesmor_fini, 1,
+     [](CommandBlock& b) { std::tie(b.command, b.angle, b.magnification) = std::make_tuple(CMD_QUIT, 0, 0); }},
+};
+
+auto fieldsOf(auto& b)
 {
     return std::tie(b.command, b.magnification, b.angle, b.sliceCount, b.sliceSpacing, b.focusValue, b.doneCallback,
                     b.frameCallback, b.context, b.notifyOnly, b.images, b.output, b.imageCount, b.width, b.height);
@@ -219,7 +131,12 @@ TEST_F(Handshake, EachPostWritesItsOwnFieldsAndNoOther)
 {
     for (const Post& post : posts) {
         setUpLibrary(nullptr);
-        CommandBlock expected = blockOfAnEarlierCommand();
+        CommandBlock expected{};
+        fieldsOf(expected) = std::make_tuple(
+            static_cast<CommandCode>(99), 98, 97, 96, 95, 94, [](void*, std::int32_t) {},
+            [](const std::uint8_t*, std::int32_t, std::int32_t, void*, std::int32_t) {}, &expected, 93, expected.images,
+            &pixels[1], 90, 89, 88);
+        expected.images.fill(&pixels[1]);
         library.commandBlock = expected;
         library.runFlag = 7;
         EXPECT_NE(post.post(), 0) << post.name;

@@ -1,6 +1,11 @@
 // How `tesmor fuse` fails: one line that names the culprit, the right status, and no file touched.
 #include "command_run.h"
 
+#include <QDeadlineTimer>
+
+#include <csignal>
+#include <functional>
+
 namespace tesmor::test {
 
 namespace {
@@ -95,6 +100,34 @@ TEST_F(FuseErrorsTest, AFullDiskLeavesTheOldOutput)
     EXPECT_TRUE(result.errors.startsWith("tesmor fuse: old.png: cannot be written")) << qPrintable(result.errors);
     EXPECT_EQ(names(), before);
     EXPECT_EQ(read("old.png"), "old");
+}
+
+TEST_F(FuseErrorsTest, AnInterruptionLeavesTheOldOutput)
+{
+    save(flatImage(1500, 1200), "flat.png");
+    const QStringList before = names();
+    struct Case {
+        int signal;
+        std::function<bool(QProcess&)> isTime;
+    };
+    const Case cases[] = {
+        {SIGINT, [](QProcess&) { return true; }},
+        {SIGTERM,
+         [](QProcess& p) { return QDir(QString("/proc/%1/task").arg(p.processId())).count() > 3; }}, // planning
+        {SIGINT, [](QProcess& p) { return p.peek(10'000).contains("Merging: "); }},
+    };
+    for (const Case& c : cases) {
+        QProcess process;
+        process.setWorkingDirectory(path(""));
+        process.start(TESMOR_COMMAND, QStringList{"fuse", "-o", "old.png"} + QStringList(128, "flat.png"));
+        ASSERT_TRUE(process.waitForReadyRead(LIMIT_MS));
+        for (const QDeadlineTimer limit(LIMIT_MS); !c.isTime(process);)
+            ASSERT_FALSE(limit.hasExpired() || process.waitForFinished(1));
+        kill(static_cast<pid_t>(process.processId()), c.signal);
+        EXPECT_EQ(finish(process).status, 130);
+        EXPECT_EQ(names(), before);
+        EXPECT_EQ(read("old.png"), "old");
+    }
 }
 
 TEST_F(FuseErrorsTest, TheLibraryRunsOutOfMemory)

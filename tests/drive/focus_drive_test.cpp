@@ -19,8 +19,7 @@ class Drive : public ::testing::Test {
 protected:
     Drive()
     {
-        device.reset();
-        device.existingUnits = device.openingUnits = {0};
+        device.reset({0});
     }
 
     // The log of what `action` does with an open drive, the opening left out.
@@ -88,21 +87,6 @@ TEST_F(Drive, SendsMovesToTheByte)
     for (const Case& c : cases) {
         EXPECT_EQ(logOf([&](auto& drive) { EXPECT_TRUE(drive->moveBy(c.displacement)); }),
                   (std::vector{c.request, std::string("read 1500")}));
-    }
-}
-
-TEST_F(Drive, RepeatsARefusedMoveFiveTimesInAll)
-{
-    device.goodMoves = 0;
-    for (const int refusals : {1, 4, 5}) {
-        device.refusals = refusals;
-        const bool moves = refusals < 5;
-        std::vector<std::string> expected;
-        for (int i = 0; i < refusals; ++i)
-            expected.insert(expected.end(), {REVERSE_3200, "sleep 20"});
-        if (moves)
-            expected.insert(expected.end(), {REVERSE_3200, "read 1500"});
-        EXPECT_EQ(logOf([&](auto& drive) { EXPECT_EQ(drive->move(3200, true), moves); }), expected);
     }
 }
 

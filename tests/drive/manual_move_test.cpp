@@ -14,8 +14,7 @@ class ManualMove : public LibraryTest {
 protected:
     ManualMove()
     {
-        device.reset();
-        device.existingUnits = device.openingUnits = {0};
+        device.reset({0});
     }
 
     std::vector<Call> turn(double angle)
@@ -50,6 +49,20 @@ TEST_F(ManualMove, KeepsTheDriveOpenUntilTheNextOne)
             requests += line.substr(19, 3);
     }
     EXPECT_EQ(requests, " D2 D1 D3 D2 D1");
+}
+
+TEST_F(ManualMove, ResetAndEndCloseItsDrive)
+{
+    tesmor_init();
+    for (const auto close : {tesmor_reset, tesmor_fini}) {
+        tesmor_manual(1.0, nullptr, nullptr);
+        waitUntilIdle();
+        EXPECT_TRUE(device.isOpen());
+        close();
+        if (library.workerHandle)
+            waitUntilIdle();
+        EXPECT_FALSE(device.isOpen());
+    }
 }
 
 } // namespace

@@ -17,8 +17,7 @@ class Stack : public LibraryTest {
 protected:
     Stack()
     {
-        device.reset();
-        device.existingUnits = device.openingUnits = {0};
+        device.reset({0});
         library.commandBlock.command = CMD_STACK;
         library.commandBlock.frameCallback = CallRecorder::onFrame;
         library.commandBlock.context = &recorder;
@@ -64,21 +63,6 @@ TEST_F(Stack, StepsByMagnificationAndSpacing)
         EXPECT_EQ(device.moves().at(before), c.out) << c.magnification << ", " << c.spacing;
         EXPECT_EQ(device.moves().at(before + 1), c.back) << c.magnification << ", " << c.spacing;
     }
-}
-
-TEST_F(Stack, NotifyOnlyTellsOfEachMoveAndCannotBeCancelled)
-{
-    recorder.then = [](const Call&) { library.runFlag = 0; };
-    capture(10, 3, 1, true);
-    EXPECT_EQ(recorder.calls(), (std::vector{report(0), report(0), report(0), report(STACK_DONE)}));
-    EXPECT_EQ(device.position(), 0);
-}
-
-TEST_F(Stack, OfNoSlicesOpensAndClosesTheDrive)
-{
-    capture(10, 0, 1);
-    EXPECT_EQ(recorder.calls(), std::vector{report(STACK_DONE)});
-    EXPECT_EQ(device.log().size(), 5u) << "exists, open, open request, close request, close";
 }
 
 TEST_F(Stack, IsStillConnectedWhileItReportsAndClosesTheDriveOfAManualMove)

@@ -30,15 +30,6 @@ protected:
     const std::vector<std::uint8_t> frame = std::vector<std::uint8_t>(16 * 16 * 3, 9);
 };
 
-TEST_F(Frames, AnUnaskedFrameTouchesNothing)
-{
-    library.commandBlock.command = CMD_CAPTURE;
-    library.frameEvent.reset();
-    handleFrame(frame.data(), 16, 16);
-    EXPECT_TRUE(recorder.calls().empty());
-    EXPECT_FALSE(library.frameEvent.waitFor(0));
-}
-
 TEST_F(Frames, ARequestIsServedOnceAndSignalledAfterTheCallback)
 {
     for (const CommandCode command : {CMD_CAPTURE, CMD_STACK}) {
@@ -95,15 +86,6 @@ TEST_F(Frames, ARequestThatIsGivenUpIsNotServedForTheNextCommand)
     EXPECT_TRUE(recorder.calls().empty());
 }
 
-TEST_F(Frames, TheWaitEndsWithTheNextFrame)
-{
-    library.commandBlock.command = CMD_CAPTURE;
-    VideoThread video(16, 16);
-    EXPECT_EQ(waitForFrame(), SUCCESS);
-    EXPECT_EQ(recorder.calls(), (std::vector{Call{video.frame(), 16, 16, SUCCESS}}));
-    EXPECT_EQ(library.runFlag, 1);
-}
-
 TEST_F(Frames, TheWaitTakesNoSignalFromBefore)
 {
     clockSpeed = 50;
@@ -138,28 +120,6 @@ TEST_F(Frames, TheWaitGivesUpOnlyAfterMoreThanFourSeconds)
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(waitForFrame(), NO_FRAME);
     EXPECT_GT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(4000));
-}
-
-TEST_F(Frames, TheWaitIsAbortedAtOnceOrMeanwhileOrInTheCallback)
-{
-    library.runFlag = 0;
-    EXPECT_EQ(waitForFrame(), ABORTED);
-    EXPECT_EQ(library.frameRequest, 0);
-
-    library.runFlag = 1;
-    std::jthread aborter([] {
-        eventually([] { return library.frameRequest == 1; });
-        library.runFlag = 0;
-    });
-    EXPECT_EQ(waitForFrame(), ABORTED);
-    EXPECT_EQ(library.frameRequest, 0);
-
-    library.runFlag = 1;
-    library.commandBlock.command = CMD_CAPTURE;
-    recorder.then = [](const Call&) { library.runFlag = 0; };
-    VideoThread video(16, 16);
-    EXPECT_EQ(waitForFrame(), ABORTED) << "although a frame was delivered";
-    EXPECT_EQ(recorder.calls().size(), 1u);
 }
 
 } // namespace

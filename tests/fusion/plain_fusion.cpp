@@ -73,44 +73,6 @@ PlainImage sharpenValues(int width, int height, const std::function<double(int x
     return sharpened;
 }
 
-std::vector<std::int32_t> weightsOf(PlainImage& image)
-{
-    PlainImage sharpened = plainSharpen(image);
-    std::vector<std::int32_t> weights;
-    for (int y = 0; y < image.height; ++y) {
-        for (int x = 0; x < image.width; ++x) {
-            int sum = 0;
-            for (int channel = 0; channel < 3; ++channel) {
-                const int original = image.at(x, y, channel);
-                const int difference = original - sharpened.at(x, y, channel);
-                const int term = difference * (difference - original / 64);
-                sum += term < 4 ? 0 : term;
-            }
-            weights.push_back(sum);
-        }
-    }
-    for (int pass = 0; pass < 5; ++pass)
-        weights = plainSmoothing(weights, image.width, image.height);
-    for (auto& weight : weights)
-        weight = weight == 0 ? 1 : weight;
-    return weights;
-}
-
-} // namespace
-
-PlainImage::PlainImage(int w, int h) : width(w), height(h), stride((w * 24 + 31) / 32 * 4), bytes(stride * h) {}
-
-std::uint8_t& PlainImage::at(int x, int y, int channel)
-{
-    return bytes[y * stride + x * 3 + channel];
-}
-
-PlainImage plainSharpen(PlainImage image)
-{
-    return sharpenValues(image.width, image.height,
-                         [&](int x, int y, int channel) { return double(image.at(x, y, channel)); });
-}
-
 std::vector<std::int32_t> plainSmoothing(const std::vector<std::int32_t>& measure, int width, int height)
 {
     std::vector<std::int32_t> smooth = measure;
@@ -142,6 +104,39 @@ std::vector<std::int32_t> plainSmoothing(const std::vector<std::int32_t>& measur
         at(right, y) = boxOf(smooth, right - 1, right, y - 1, y + 1) / 6;
     }
     return smooth;
+}
+
+std::vector<std::int32_t> weightsOf(PlainImage& image)
+{
+    PlainImage sharpened = sharpenValues(image.width, image.height,
+                                         [&](int x, int y, int channel) { return double(image.at(x, y, channel)); });
+    std::vector<std::int32_t> weights;
+    for (int y = 0; y < image.height; ++y) {
+        for (int x = 0; x < image.width; ++x) {
+            int sum = 0;
+            for (int channel = 0; channel < 3; ++channel) {
+                const int original = image.at(x, y, channel);
+                const int difference = original - sharpened.at(x, y, channel);
+                const int term = difference * (difference - original / 64);
+                sum += term < 4 ? 0 : term;
+            }
+            weights.push_back(sum);
+        }
+    }
+    for (int pass = 0; pass < 5; ++pass)
+        weights = plainSmoothing(weights, image.width, image.height);
+    for (auto& weight : weights)
+        weight = weight == 0 ? 1 : weight;
+    return weights;
+}
+
+} // namespace
+
+PlainImage::PlainImage(int w, int h) : width(w), height(h), stride((w * 24 + 31) / 32 * 4), bytes(stride * h) {}
+
+std::uint8_t& PlainImage::at(int x, int y, int channel)
+{
+    return bytes[y * stride + x * 3 + channel];
 }
 
 PlainImage plainFusion(std::vector<PlainImage> images)

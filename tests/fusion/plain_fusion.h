@@ -17,11 +17,6 @@ struct PlainImage {
     std::uint8_t& at(int x, int y, int channel);
 };
 
-// Padding bytes stay 0.
-PlainImage plainSharpen(PlainImage image);
 PlainImage plainFusion(std::vector<PlainImage> images);
-
-// One pass; below the last row everything is 0.
-std::vector<std::int32_t> plainSmoothing(const std::vector<std::int32_t>& measure, int width, int height);
 
 } // namespace tesmor::test

@@ -6,15 +6,13 @@
 #include "memory/failing_memory.h"
 #include "platform_linux/raw_service.h"
 #include "support/call_recorder.h"
+#include "support/child_process.h"
 #include "support/library_test.h"
 
-#include <cstdlib>
-#include <fcntl.h>
 #include <fftw3.h>
 #include <fstream>
 #include <malloc.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 namespace tesmor::test {
 
@@ -61,7 +59,7 @@ TEST_F(Allocations, EachOfAFusionThatFailsEndsItBeforeItHasBegun)
     prepare(12);
     long failing = 1;
     for (;; ++failing) {
-        FailingMemory memory(Owner::library, failing);
+        FailingMemory memory(failing);
         const std::int32_t result = fuse();
         if (!memory.hasFailed()) {
             EXPECT_EQ(result, SUCCESS);
@@ -72,8 +70,6 @@ TEST_F(Allocations, EachOfAFusionThatFailsEndsItBeforeItHasBegun)
         EXPECT_EQ(output, std::vector<std::uint8_t>(output.size(), UNTOUCHED)) << "allocation " << failing;
     }
     EXPECT_GT(failing, 12) << "the fusion's buffers and the engine's arrays";
-    RecordProperty("allocations", static_cast<int>(failing - 1));
-    std::printf("%ld allocations, each failed once\n", failing - 1);
 }
 
 // A drive service that accepts everything at once, for one client.
@@ -105,7 +101,7 @@ TEST_F(Allocations, EachOfAMoveThatFailsFailsTheMove)
         if (failing == 1) // never connects: let the service go
             platform::closeDevice(platform::openDevice(0));
         {
-            FailingMemory memory(Owner::library, failing);
+            FailingMemory memory(failing);
             manualMove(1.0, CallRecorder::onDone, &recorder);
             EXPECT_EQ(memory.hasFailed(), failing < 4);
         }
@@ -117,51 +113,11 @@ TEST_F(Allocations, EachOfAMoveThatFailsFailsTheMove)
 TEST_F(Allocations, EachOfTheStartThatFailsIsReportedAndCanBeTriedAgain)
 {
     for (long failing = 1; failing <= 2; ++failing) {
-        FailingMemory memory(Owner::library, failing);
+        FailingMemory memory(failing);
         EXPECT_EQ(tesmor_init(), 0) << "allocation " << failing;
     }
     EXPECT_EQ(tesmor_init(), 1);
     EXPECT_NE(tesmor_fini(), 0);
-}
-
-constexpr int KILLED = -1000;
-
-// The result code with which a child process ends that does `action`, or KILLED less the signal that ended it.
-template <class Action>
-int endOfChild(Action action)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        const rlimit noCore{0, 0};
-        setrlimit(RLIMIT_CORE, &noCore);
-        dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
-        _exit(-action());
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFSIGNALED(status) ? KILLED - WTERMSIG(status) : -WEXITSTATUS(status);
-}
-
-// FFTW ends the process itself when an allocation of its own fails; there is no other way out of its planner.
-TEST_F(Allocations, OneOfFftwsOwnThatFailsEndsTheProcessInOrder)
-{
-    prepare(12);
-    FailingMemory counting(Owner::fftw, -1);
-    fuse();
-    const long count = counting.allocations();
-    constexpr long trials = 40;
-    int aborts = 0;
-    for (long trial = 0; trial < trials; ++trial) {
-        const int end = endOfChild([&] {
-            FailingMemory memory(Owner::fftw, 1 + trial * count / trials);
-            return fuse();
-        });
-        aborts += end == KILLED - SIGABRT;
-        EXPECT_TRUE(end == KILLED - SIGABRT || end == SUCCESS)
-            << "allocation " << trial * count / trials << ": " << end;
-    }
-    std::printf("%ld allocations of FFTW's own, %ld of them failed: %d times FFTW ended the process\n", count, trials,
-                aborts);
 }
 
 std::uint64_t addressSpaceInUse()
@@ -171,7 +127,7 @@ std::uint64_t addressSpaceInUse()
     return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 }
 
-// So the library looks first whether there is memory to spare, and a real shortage is a result.
+// FFTW ends the process when an allocation of its own fails. So the library looks first whether there is memory to spare, and a real shortage is a result.
 TEST_F(Allocations, AShortageAtAnyPointOfAFusionIsAResult)
 {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -185,11 +141,11 @@ TEST_F(Allocations, AShortageAtAnyPointOfAFusionIsAResult)
             malloc_trim(0);
             const rlimit limit{addressSpaceInUse() + spare * 500'000, RLIM_INFINITY};
             setrlimit(RLIMIT_AS, &limit);
-            return fuse();
+            return -fuse();
         });
-        refused += end == NO_MEMORY;
+        refused += end == -NO_MEMORY;
         fused += end == SUCCESS;
-        EXPECT_TRUE(end == SUCCESS || end == NO_MEMORY) << spare << " half MB: " << end;
+        EXPECT_TRUE(end == SUCCESS || end == -NO_MEMORY) << spare << " half MB: " << end;
     }
     EXPECT_GT(refused, 0);
     EXPECT_GT(fused, 0);

@@ -2,26 +2,37 @@
 #include "api/tesmor.h"
 #include "focus/search_profile.h"
 #include "microscope/virtual_microscope.h"
+#include "support/call_recorder.h"
 #include "support/library_test.h"
 
 #include <cmath>
-#include <future>
 
 namespace tesmor::microscope {
 namespace {
 
 class AutofocusTest : public test::LibraryTest {
 protected:
+    static Settings settings(std::uint16_t magnification)
+    {
+        Settings settings;
+        settings.magnification = magnification;
+        settings.width = 320;
+        settings.height = 240;
+        settings.timeScale = 0;
+        return settings;
+    }
+
+    static void sink(const Frame& frame)
+    {
+        tesmor_video(frame.pixels, frame.width, frame.height);
+    }
+
     static std::int32_t focus(std::uint16_t magnification)
     {
-        std::promise<std::int32_t> result;
-        tesmor_start(
-            magnification,
-            [](void* context, std::int32_t code) {
-                static_cast<std::promise<std::int32_t>*>(context)->set_value(code);
-            },
-            &result);
-        return result.get_future().get();
+        test::CallRecorder recorder;
+        tesmor_start(magnification, test::CallRecorder::onDone, &recorder);
+        waitUntilIdle();
+        return recorder.calls().at(0).result;
     }
 };
 
@@ -29,18 +40,12 @@ TEST_F(AutofocusTest, EndsWithinOneDepthOfFieldOfTheTruth)
 {
     ASSERT_EQ(tesmor_init(), 1);
     for (const std::uint16_t magnification : {4, 10, 20, 40, 60, 100}) {
-        Settings settings;
-        settings.magnification = magnification;
-        settings.width = 320;
-        settings.height = 240;
-        settings.timeScale = 0;
-        VirtualMicroscope microscope(settings);
-        microscope.start([](const Frame& frame) { tesmor_video(frame.pixels, frame.width, frame.height); });
+        VirtualMicroscope microscope(settings(magnification));
+        microscope.start(sink);
         for (const double coarseSteps : {-6.6, 7.3}) {
             const double offset = coarseSteps * searchProfile(magnification).searchRange / 10;
             microscope.setPosition(std::llround(microscope.bestFocus() + offset));
             EXPECT_EQ(focus(magnification), TESMOR_SUCCESS);
-            waitUntilIdle();
             EXPECT_NEAR(static_cast<double>(microscope.position()), microscope.bestFocus(), microscope.depthOfField())
                 << magnification << "x from " << offset;
         }
@@ -50,13 +55,9 @@ TEST_F(AutofocusTest, EndsWithinOneDepthOfFieldOfTheTruth)
 TEST_F(AutofocusTest, HearsOfADriveThatVanishes)
 {
     ASSERT_EQ(tesmor_init(), 1);
-    Settings settings;
-    settings.width = 320;
-    settings.height = 240;
-    settings.timeScale = 0;
-    settings.faults.vanishInMove = true;
-    VirtualMicroscope microscope(settings);
-    const FrameSink sink = [](const Frame& frame) { tesmor_video(frame.pixels, frame.width, frame.height); };
+    Settings vanishing = settings(10);
+    vanishing.faults.vanishInMove = true;
+    VirtualMicroscope microscope(vanishing);
     microscope.start(sink);
     EXPECT_EQ(focus(10), TESMOR_MOVE_FAILED);
     EXPECT_TRUE(microscope.driveHasVanished());

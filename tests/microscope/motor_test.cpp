@@ -34,22 +34,5 @@ TEST(Motor, EndsWhereItsMechanicsLetIt)
     }
 }
 
-TEST(Motor, TurnsAtItsSpeedByTheTimeScale)
-{
-    const Clock::time_point start{1h};
-    Motor motor({.stepsPerSecond = 1000, .backlash = 100}, TimeScale{2}, 50);
-    EXPECT_EQ(motor.move(-1000, 0, start), start + 500ms);
-    EXPECT_TRUE(motor.isMoving(start + 499ms));
-    EXPECT_FALSE(motor.isMoving(start + 500ms));
-    EXPECT_EQ(motor.position(start + 25ms), 50) << "within the backlash";
-    EXPECT_EQ(motor.position(start + 250ms), -350);
-    EXPECT_EQ(motor.position(start + 9s), -850);
-
-    motor.move(1000, 0, start + 10s);
-    motor.place(7);
-    EXPECT_FALSE(motor.isMoving(start + 10s));
-    EXPECT_EQ(motor.position(start + 10s), 7);
-}
-
 } // namespace
 } // namespace tesmor::microscope

@@ -1,4 +1,4 @@
-// The service's end of the drive link, with nothing behind it: a test sends and receives each packet itself.
+// Both ends of the drive link, with nothing behind them: a test sends and receives each packet itself.
 #pragma once
 
 #include <cstddef>
@@ -15,62 +15,98 @@ namespace tesmor::test {
 
 using Packet = std::vector<std::uint8_t>;
 
-class RawService {
+class RawLink {
 public:
-    explicit RawService(unsigned unit) : listener_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0))
+    ~RawLink()
+    {
+        vanish();
+    }
+
+    void vanish()
+    {
+        if (link_ >= 0)
+            close(link_);
+        link_ = -1;
+    }
+
+    void send(const Packet& packet) const
+    {
+        ::send(link_, packet.data(), packet.size(), MSG_NOSIGNAL);
+    }
+
+    // Empty at the end of file; none when nothing comes for ten seconds.
+    std::optional<Packet> receive() const
+    {
+        pollfd readable{link_, POLLIN, 0};
+        if (poll(&readable, 1, 10'000) <= 0)
+            return std::nullopt;
+        Packet packet(64);
+        const ssize_t length = recv(link_, packet.data(), packet.size(), 0);
+        packet.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+        return packet;
+    }
+
+protected:
+    // bind or connect.
+    template <class Call>
+    static int attach(Call call, int socket, unsigned unit)
     {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
         const int length = std::snprintf(address.sun_path + 1, sizeof address.sun_path - 1, "braskdrv-%u-1010", unit);
-        bind(listener_, reinterpret_cast<sockaddr*>(&address),
-             static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length));
+        return call(socket, reinterpret_cast<sockaddr*>(&address),
+                    static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length));
+    }
+
+    static int makeSocket()
+    {
+        return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
+    }
+
+    int link_ = -1;
+};
+
+class RawClient : public RawLink {
+public:
+    explicit RawClient(unsigned unit)
+    {
+        link_ = makeSocket();
+        attach(connect, link_, unit);
+    }
+
+    std::optional<Packet> ask(const Packet& request) const
+    {
+        send(request);
+        return receive();
+    }
+};
+
+class RawService : public RawLink {
+public:
+    explicit RawService(unsigned unit)
+    {
+        attach(bind, listener_, unit);
         listen(listener_, 1);
     }
 
     ~RawService()
     {
-        vanish();
         close(listener_);
     }
 
     void acceptClient()
     {
-        client_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-    }
-
-    void vanish()
-    {
-        if (client_ >= 0)
-            close(client_);
-        client_ = -1;
+        link_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
     }
 
     // What was sent is still read; then comes the end of file.
     void endSending()
     {
-        shutdown(client_, SHUT_WR);
-    }
-
-    void send(const Packet& packet)
-    {
-        ::send(client_, packet.data(), packet.size(), MSG_NOSIGNAL);
-    }
-
-    // Empty at the end of file; none when nothing comes for two seconds.
-    std::optional<Packet> receive()
-    {
-        pollfd readable{client_, POLLIN, 0};
-        if (poll(&readable, 1, 2000) <= 0)
-            return std::nullopt;
-        Packet packet(64);
-        const ssize_t length = recv(client_, packet.data(), packet.size(), 0);
-        packet.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-        return packet;
+        shutdown(link_, SHUT_WR);
     }
 
 private:
-    int listener_;
-    int client_ = -1;
+    const int listener_ = makeSocket();
 };
 
 } // namespace tesmor::test

@@ -161,13 +161,5 @@ TEST_F(DriveDeviceTest, ADriverThatGoesAwayEndsTheRead)
     EXPECT_FALSE(controlDevice(device, IOCTL_DRIVE_REQUEST, OPEN_REQUEST)) << "it stays gone for who had it open";
 }
 
-TEST_F(DriveDeviceTest, AUnitIsPlayedOnce)
-{
-    microscope::DriveService second(controller, UNIT);
-    EXPECT_THROW(second.start(), std::system_error);
-    service.stop();
-    EXPECT_NO_THROW(second.start());
-}
-
 } // namespace
 } // namespace tesmor::test

@@ -1,7 +1,5 @@
 #include "support/call_recorder.h"
 
-#include <chrono>
-
 namespace tesmor::test {
 
 void CallRecorder::onDone(void* context, std::int32_t result)
@@ -21,19 +19,11 @@ std::vector<Call> CallRecorder::calls() const
     return calls_;
 }
 
-std::vector<Call> CallRecorder::waitForCalls(std::size_t count) const
-{
-    std::unique_lock lock(mutex_);
-    changed_.wait_for(lock, std::chrono::seconds(10), [&] { return calls_.size() >= count; });
-    return calls_;
-}
-
 void CallRecorder::record(const Call& call)
 {
     {
         std::lock_guard guard(mutex_);
         calls_.push_back(call);
-        changed_.notify_all();
     }
     if (then)
         then(call);

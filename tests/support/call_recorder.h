@@ -1,7 +1,6 @@
 // Remembers what the library called the host with.
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <mutex>
@@ -36,14 +35,10 @@ public:
 
     std::vector<Call> calls() const;
 
-    // Waits, ten seconds at most, and returns the calls so far.
-    std::vector<Call> waitForCalls(std::size_t count) const;
-
 private:
     void record(const Call& call);
 
     mutable std::mutex mutex_;
-    mutable std::condition_variable changed_;
     std::vector<Call> calls_;
 };
 

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <iomanip>
-#include <numeric>
 #include <sstream>
 
 namespace tesmor::test {
@@ -24,15 +23,13 @@ std::string hexOf(const std::vector<std::uint8_t>& bytes)
 
 } // namespace
 
-void ScriptedDevice::reset()
+void ScriptedDevice::reset(const std::set<unsigned>& units)
 {
     std::lock_guard guard(mutex_);
-    existingUnits.clear();
-    openingUnits.clear();
+    existingUnits = openingUnits = units;
     refuseOpenRequest = false;
     goodMoves = NEVER;
-    refusals = 0;
-    missingAcks = 0;
+    refusals = missingAcks = 0;
     inMove = nullptr;
     log_.clear();
     moves_.clear();
@@ -44,36 +41,6 @@ void ScriptedDevice::record(const std::string& line)
 {
     std::lock_guard guard(mutex_);
     log_.push_back(line);
-}
-
-std::vector<std::string> ScriptedDevice::log() const
-{
-    std::lock_guard guard(mutex_);
-    return log_;
-}
-
-std::vector<std::int32_t> ScriptedDevice::moves() const
-{
-    std::lock_guard guard(mutex_);
-    return moves_;
-}
-
-std::int64_t ScriptedDevice::position() const
-{
-    std::lock_guard guard(mutex_);
-    return std::accumulate(moves_.begin(), moves_.end(), std::int64_t{0});
-}
-
-std::uint64_t ScriptedDevice::waited() const
-{
-    std::lock_guard guard(mutex_);
-    return waited_;
-}
-
-bool ScriptedDevice::isOpen() const
-{
-    std::lock_guard guard(mutex_);
-    return isOpen_;
 }
 
 bool ScriptedDevice::open(unsigned unit)

