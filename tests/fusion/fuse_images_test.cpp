@@ -100,6 +100,20 @@ TEST_F(Fusion, OfNoImagesIsBlack)
     }
 }
 
+TEST_F(Fusion, OfOneImageTwiceIsThatOfOne)
+{
+    const PlainImage image = seededStack(20, 15, 1).front();
+    EXPECT_EQ(fused({image, image}).bytes, fused({image}).bytes);
+}
+
+TEST_F(Fusion, LeavesTheOutputAloneWhenItIsAborted)
+{
+    recorder.then = [this](const Call&) { library.runFlag = recorder.calls().size() < 6; };
+    EXPECT_EQ(fuse(seededStack(16, 16, 2), 16, 16), ABORTED);
+    EXPECT_EQ(recorder.calls().size(), 6u);
+    EXPECT_EQ(output, std::vector<std::uint8_t>(output.size(), UNTOUCHED));
+}
+
 TEST_F(Fusion, TakesAsManyImagesAsTheBlockHolds)
 {
     std::vector<PlainImage> images;
