@@ -1,5 +1,5 @@
-// The whole library on the real link: a drive service that fails in every way, early and late in an autofocus and a stack.
-// Manual moves: whole/drive_faults_test.cpp.
+// The whole library on the real link: a drive service that fails in every way, early and late in every
+// operation that moves the focus.
 #include "api/result_codes.h"
 #include "microscope/virtual_microscope.h"
 #include "support/call_recorder.h"
@@ -24,6 +24,7 @@ struct Operation {
 };
 
 const Operation OPERATIONS[] = {
+    {"manual move", [](CallRecorder& r) { tesmor_manual(90, CallRecorder::onDone, &r); }, SUCCESS, {0}},
     {"autofocus", [](CallRecorder& r) { tesmor_start(40, CallRecorder::onDone, &r); }, SUCCESS, {0, 4, 12}},
     {"stack", [](CallRecorder& r) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &r, 0); }, STACK_DONE, {0, 1, 3}},
 };
