@@ -366,6 +366,8 @@ TEST_F(FaultMatrix, EveryFaultInEveryPhaseOfEveryOperation)
         if (HasFailure())
             break;
     }
+    RecordProperty("cells", static_cast<int>(matrix.cells.size()));
+    std::printf("%zu cells\n", matrix.cells.size());
 }
 
 } // namespace
