@@ -1,5 +1,5 @@
 // The focus measure against the additions whose order it must keep.
-#include "frame/focus_measure.h"
+#include "measure/focus_measure.h"
 #include "ratio.h"
 
 #include <random>

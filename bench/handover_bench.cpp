@@ -1,9 +1,9 @@
 // The idle frame hook, and what passes between the host's threads and the worker, against bare loads and wake-ups.
 #include "api/library.h"
-#include "api/tesmor.h"
 #include "bare_signal.h"
-#include "frame/frame_wait.h"
+#include "frames/frame_wait.h"
 #include "ratio.h"
+#include "tesmor.h"
 
 #include <atomic>
 #include <thread>

@@ -1,6 +1,6 @@
 // Times the command `tesmor fuse` and the program enfuse, whole processes that alternate, on a stack of the virtual
 // microscope, and scores both against its truth. Arguments: the command tesmor, a folder for the images.
-#include "apps/image_quality.h"
+#include "images/image_quality.h"
 #include "microscope/virtual_microscope.h"
 #include "ratio.h"
 

@@ -1,12 +1,12 @@
 // Autofocus and stack capture on the virtual microscope, whose motor and camera take no time, against the same requests
 // and frame waits with nothing around them. Frames are as small as they can be, so that making them hides little.
 #include "api/library.h"
-#include "api/tesmor.h"
 #include "bare_signal.h"
-#include "drive/drive_request.h"
 #include "microscope/virtual_microscope.h"
 #include "platform/drive_device.h"
+#include "protocol/drive_request.h"
 #include "ratio.h"
+#include "tesmor.h"
 
 #include <atomic>
 #include <cmath>

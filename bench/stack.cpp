@@ -1,9 +1,9 @@
 #include "stack.h"
 
 #include "api/library.h"
-#include "api/result_codes.h"
 #include "fusion/fuse_images.h"
 #include "fusion/image_layout.h"
+#include "session/result_codes.h"
 
 #include <cstdlib>
 #include <random>

@@ -7,7 +7,7 @@ install(TARGETS tesmor EXPORT tesmor_targets
   LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
   ARCHIVE COMPONENT development
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(FILES ${PROJECT_SOURCE_DIR}/src/api/tesmor.h ${PROJECT_SOURCE_DIR}/src/api/tesmor_loader.h
+install(FILES ${PROJECT_SOURCE_DIR}/include/tesmor.h ${PROJECT_SOURCE_DIR}/include/tesmor_loader.h
   TYPE INCLUDE COMPONENT development)
 
 # find_package(tesmor CONFIG), target tesmor::tesmor. Before 1.0 a new minor version may break its hosts.
@@ -39,9 +39,9 @@ if(TARGET tesmor_command)
   # $ORIGIN: the library of the same tree, wherever that is.
   set_target_properties(tesmor_command PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
   install(TARGETS tesmor_command RUNTIME COMPONENT command)
-  install(FILES ${PROJECT_SOURCE_DIR}/apps/tesmor.1
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/tesmor/tesmor.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
-  install(FILES ${PROJECT_SOURCE_DIR}/apps/completion.bash
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/tesmor/completion.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tesmor COMPONENT command)
 endif()
 

@@ -1,10 +1,10 @@
 // Any arguments of `tesmor fuse` and `tesmor move`, in a folder of its own with two small images and no drive.
 // Input: the subcommand and its arguments, one a line; a slash becomes an x, so that nothing outside the folder is
 // touched.
-#include "apps/fuse_command.h"
-#include "apps/move_command.h"
-#include "apps/subcommand.h"
 #include "fuzz/fuzz_input.h"
+#include "tesmor/fuse_command.h"
+#include "tesmor/move_command.h"
+#include "tesmor/subcommand.h"
 
 #include <QImage>
 #include <QTemporaryDir>

@@ -1,10 +1,10 @@
 // A drive service that sends whatever it likes, towards the library.
 // Input: packets, each a length byte and so many bytes, 0xFF for 300 bytes of one value; all are sent before the library
 // asks for anything, and the end of file follows.
-#include "drive/drive_request.h"
 #include "fuzz/fuzz_input.h"
 #include "platform/drive_device.h"
 #include "platform_linux/raw_service.h"
+#include "protocol/drive_request.h"
 
 #include <array>
 

@@ -2,7 +2,7 @@
 // Input: packets, each a length byte and so many bytes; a bit of the length says that the client leaves without reading
 // the answer.
 #include "fuzz/fuzz_input.h"
-#include "microscope/drive_service.h"
+#include "microscope/drive/drive_service.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,7 +1,7 @@
 // A frame of any size, allocated to the byte, at any magnification and for any command.
 // Input: width, height and magnification as words, the command as a byte, then pixels, repeated over the frame.
 #include "api/library.h"
-#include "frame/frame_hook.h"
+#include "frames/frame_hook.h"
 #include "fuzz/fuzz_input.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "microscope/settings.h"
 
-#include "microscope/objective.h"
+#include "microscope/camera/objective.h"
 
 #include <stdexcept>
 #include <utility>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "microscope/faults.h"
-#include "microscope/motor_settings.h"
-#include "microscope/photo_planes.h"
+#include "microscope/camera/photo_planes.h"
+#include "microscope/drive/faults.h"
+#include "microscope/drive/motor_settings.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,16 +1,16 @@
 #include "microscope/virtual_microscope.h"
 
-#include "microscope/acknowledgement_gate.h"
-#include "microscope/best_focus.h"
-#include "microscope/camera.h"
-#include "microscope/drive_controller.h"
-#include "microscope/drive_service.h"
-#include "microscope/motor.h"
-#include "microscope/optics.h"
-#include "microscope/photo_scene.h"
-#include "microscope/random.h"
-#include "microscope/sensor.h"
-#include "microscope/view.h"
+#include "microscope/camera/best_focus.h"
+#include "microscope/camera/camera.h"
+#include "microscope/camera/optics.h"
+#include "microscope/camera/photo_scene.h"
+#include "microscope/camera/sensor.h"
+#include "microscope/camera/view.h"
+#include "microscope/drive/acknowledgement_gate.h"
+#include "microscope/drive/drive_controller.h"
+#include "microscope/drive/drive_service.h"
+#include "microscope/drive/motor.h"
+#include "microscope/specimen/random.h"
 
 #include <cmath>
 #include <utility>

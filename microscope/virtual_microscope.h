@@ -19,8 +19,8 @@
 //   called from any thread at any time, the sink included. The sink runs on the camera's thread, or within deliverFrame.
 #pragma once
 
-#include "microscope/image.h"
-#include "microscope/request_log.h"
+#include "microscope/camera/image.h"
+#include "microscope/drive/request_log.h"
 #include "microscope/settings.h"
 
 #include <cstdint>

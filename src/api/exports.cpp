@@ -1,7 +1,7 @@
 // The exported functions. Each posting function writes the fields that stand here and no others; that they differ, also
 // in what they do to runFlag, is part of the contract.
 #include "api/library.h"
-#include "frame/frame_hook.h"
+#include "frames/frame_hook.h"
 #include "worker/worker.h"
 
 #include <algorithm>

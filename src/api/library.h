@@ -1,11 +1,11 @@
 // The process-wide state: made once by the load-time set-up, never destroyed.
 #pragma once
 
-#include "api/command_block.h"
-#include "api/luma_tables.h"
+#include "measure/luma_tables.h"
 #include "platform/event.h"
 #include "platform/lock.h"
 #include "platform/thread.h"
+#include "session/command_block.h"
 
 #include <atomic>
 #include <cstdint>

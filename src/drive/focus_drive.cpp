@@ -1,7 +1,7 @@
 #include "drive/focus_drive.h"
 
-#include "drive/drive_request.h"
 #include "platform/clock.h"
+#include "protocol/drive_request.h"
 
 #include <array>
 

@@ -1,12 +1,12 @@
 #include "fusion/fuse_images.h"
 
 #include "api/library.h"
-#include "api/result_codes.h"
 #include "fusion/focus_weight.h"
 #include "fusion/image_layout.h"
 #include "fusion/sharpen_engine.h"
 #include "fusion/smoothing.h"
 #include "fusion/weighted_mean.h"
+#include "session/result_codes.h"
 
 #include <algorithm>
 

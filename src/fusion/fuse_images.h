@@ -8,7 +8,7 @@
 //   5. the mean is itself sharpened once and written to the output.
 #pragma once
 
-#include "api/tesmor.h"
+#include "tesmor.h"
 
 #include <cstdint>
 

@@ -2,11 +2,11 @@
 
 #include "api/library.h"
 #include "drive/focus_drive.h"
-#include "drive/manual_move.h"
-#include "focus/autofocus_search.h"
-#include "focus/stack_capture.h"
-#include "frame/frame_wait.h"
+#include "frames/frame_wait.h"
 #include "fusion/fuse_images.h"
+#include "operations/autofocus_search.h"
+#include "operations/manual_move.h"
+#include "operations/stack_capture.h"
 #include "platform/thread.h"
 
 namespace tesmor {

@@ -1,5 +1,5 @@
 // The posting handshake: who waits, who aborts, what each post writes.
-#include "api/result_codes.h"
+#include "session/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
 #include "support/scripted_device.h"

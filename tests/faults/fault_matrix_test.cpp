@@ -1,6 +1,6 @@
 // Every operation with every fault in every phase: one result and one only, the drive closed, no longer a wait than
 // stated, and a library that runs the next command.
-#include "api/result_codes.h"
+#include "session/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
 #include "support/scripted_clock.h"

@@ -1,7 +1,7 @@
 #include "fusion/fuse_images.h"
 
-#include "api/result_codes.h"
 #include "fusion/plain_fusion.h"
+#include "session/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
 

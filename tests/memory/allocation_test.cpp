@@ -1,10 +1,10 @@
 // What happens when memory runs out, one allocation after the other.
-#include "api/result_codes.h"
 #include "drive/focus_drive.h"
-#include "drive/manual_move.h"
 #include "fusion/fuse_images.h"
 #include "memory/failing_memory.h"
+#include "operations/manual_move.h"
 #include "platform_linux/raw_service.h"
+#include "session/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/child_process.h"
 #include "support/library_test.h"

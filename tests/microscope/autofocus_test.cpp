@@ -1,9 +1,9 @@
 // The whole way: the library's autofocus over the drive's own link, with the camera's frames.
-#include "api/tesmor.h"
-#include "focus/search_profile.h"
 #include "microscope/virtual_microscope.h"
+#include "operations/search_profile.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
+#include "tesmor.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
-#include "microscope/drive_controller.h"
+#include "microscope/drive/drive_controller.h"
 
-#include "drive/drive_request.h"
+#include "protocol/drive_request.h"
 
 #include <array>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // The drive service, byte for byte, as a client on the socket sees it.
-#include "microscope/drive_service.h"
+#include "microscope/drive/drive_service.h"
 
 #include "platform_linux/raw_service.h"
 #include "support/child_process.h"

@@ -1,4 +1,4 @@
-#include "microscope/motor.h"
+#include "microscope/drive/motor.h"
 
 #include <gtest/gtest.h>
 #include <vector>

@@ -1,8 +1,8 @@
 // What the virtual microscope shows, checked against the truth that it tells.
-#include "api/luma_tables.h"
-#include "focus/search_profile.h"
-#include "frame/focus_measure.h"
+#include "measure/focus_measure.h"
+#include "measure/luma_tables.h"
 #include "microscope/virtual_microscope.h"
+#include "operations/search_profile.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 // The DLL as a host loads it at run time: by name and by ordinal.
-#include "api/tesmor.h"
+#include "tesmor.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

@@ -1,11 +1,11 @@
 // The library's end of the drive link on Windows, and the simulated driver's.
 #include "platform/drive_device.h"
 
-#include "drive/drive_request.h"
 #include "drive/focus_drive.h"
-#include "microscope/drive_service.h"
-#include "microscope/windows/driver/protocol.h"
-#include "microscope/windows/handle.h"
+#include "microscope/drive/drive_service.h"
+#include "microscope/drive/windows/driver/protocol.h"
+#include "microscope/drive/windows/handle.h"
+#include "protocol/drive_request.h"
 
 #include <gtest/gtest.h>
 #include <thread>

@@ -2,8 +2,8 @@
 //   storm_tests [--commands=N] [--seed=S]
 // What a host must not do is left out: no post comes from a callback, and tesmor_init and tesmor_fini come from one
 // thread in turn. A post that finds the worker gone waits for the next tesmor_init, so the last one follows all posts.
-#include "api/result_codes.h"
 #include "microscope/virtual_microscope.h"
+#include "session/result_codes.h"
 #include "support/library_test.h"
 #include "support/process_figures.h"
 

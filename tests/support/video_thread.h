@@ -1,7 +1,7 @@
 // A host's video thread: one frame after the other, as fast as the library takes them.
 #pragma once
 
-#include "api/tesmor.h"
+#include "tesmor.h"
 
 #include <atomic>
 #include <thread>

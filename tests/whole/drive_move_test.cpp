@@ -1,8 +1,8 @@
 // A manual move over the system's own drive link, down to the controller.
-#include "api/tesmor.h"
-#include "microscope/drive_service.h"
+#include "microscope/drive/drive_service.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
+#include "tesmor.h"
 
 namespace tesmor::test {
 namespace {

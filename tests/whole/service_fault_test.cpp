@@ -1,7 +1,7 @@
 // The whole library on the real link: a drive service that fails in every way, early and late in every
 // operation that moves the focus.
-#include "api/result_codes.h"
 #include "microscope/virtual_microscope.h"
+#include "session/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
 

@@ -1,0 +1,47 @@
+// Where the camera's frames go: to the library, with a note of each.
+#pragma once
+
+#include "microscope/camera/image.h"
+
+#include <QImage>
+
+#include <chrono>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace tesmor::apps {
+
+using Clock = std::chrono::steady_clock;
+
+struct SeenFrame {
+    Clock::time_point time; // shortly before the library got it
+    std::int64_t position;  // motor steps: what the frame shows
+    double sharpness;       // contrast in the middle of the view: standard deviation of brightness, grey levels
+};
+
+// `receive` runs on the camera's thread, all else on any.
+class FrameWatch {
+public:
+    // The autofocus looks at a larger part of the view with the high magnifications; so does this.
+    explicit FrameWatch(std::uint16_t magnification) : magnification_(magnification) {}
+
+    void receive(const microscope::Frame& frame);
+
+    std::vector<SeenFrame> frames() const; // all, in order
+    std::size_t count() const;
+    std::optional<SeenFrame> last() const;
+    QImage firstImage() const; // null before the first frame, and without memory
+
+private:
+    const std::uint16_t magnification_;
+    mutable std::mutex mutex_;
+    std::vector<SeenFrame> frames_;
+    QImage firstImage_;
+};
+
+// A copy, in the library's frame layout; null when there is no memory.
+QImage copyOfFrame(const std::uint8_t* pixels, int width, int height);
+
+} // namespace tesmor::apps

@@ -1,0 +1,71 @@
+#include "host/library_command.h"
+
+#include "terminal/interrupt.h"
+#include "tesmor.h"
+
+#include <chrono>
+#include <thread>
+
+namespace tesmor::apps {
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+
+constexpr auto TICK = 50ms; // between two looks at the interruption
+constexpr auto PATIENCE = 500ms;
+
+// Aborts the command in hand from a thread of its own, since tesmor_cancelif waits until the worker has ended it.
+class Cancellation {
+public:
+    ~Cancellation()
+    {
+        if (thread_.joinable())
+            thread_.join();
+    }
+
+    void startOrGiveUp()
+    {
+        if (!thread_.joinable()) {
+            giveUpTime_ = Clock::now() + PATIENCE;
+            thread_ = std::thread(tesmor_cancelif);
+        } else if (Clock::now() > giveUpTime_) {
+            leaveInterrupted();
+        }
+    }
+
+private:
+    std::thread thread_;
+    Clock::time_point giveUpTime_;
+};
+
+} // namespace
+
+void CommandResult::set(std::int32_t result)
+{
+    const std::lock_guard lock(mutex_);
+    result_ = result;
+    changed_.notify_one();
+}
+
+std::optional<std::int32_t> CommandResult::waitATick()
+{
+    std::unique_lock lock(mutex_);
+    changed_.wait_for(lock, TICK, [this] { return result_.has_value(); });
+    return result_;
+}
+
+std::int32_t waitForResult(CommandResult& result, const std::function<void()>& eachTick)
+{
+    Cancellation cancellation;
+    while (true) {
+        if (const auto code = result.waitATick())
+            return interrupted() ? TESMOR_ABORTED : *code;
+        eachTick();
+        if (interrupted())
+            cancellation.startOrGiveUp();
+    }
+}
+
+} // namespace tesmor::apps

@@ -1,0 +1,22 @@
+// Several images of one size. Both functions throw UserError, which names the file and the remedy.
+#pragma once
+
+#include "terminal/live_line.h"
+
+#include <QImage>
+#include <QSize>
+#include <QStringList>
+
+#include <vector>
+
+namespace tesmor::apps {
+
+// The size that all images share, from their headers alone.
+//   leastSide   pixels that either side must have
+QSize readCommonSize(const QStringList& files, int leastSide);
+
+// In the library's frame layout (QImage::Format_BGR888), with a progress bar. They must have the given size, which
+// readCommonSize told before.
+std::vector<QImage> readFrames(const QStringList& files, QSize size, LiveLine::Style style);
+
+} // namespace tesmor::apps

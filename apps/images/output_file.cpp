@@ -1,0 +1,89 @@
+#include "images/output_file.h"
+
+#include "terminal/interrupt.h"
+#include "tesmor/subcommand.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QSaveFile>
+
+#include <algorithm>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr int JPEG_QUALITY = 95;
+constexpr int JPEG_LONGEST_SIDE = 65500; // pixels
+constexpr qint64 CHUNK = 1 << 20;        // bytes written between two looks at the interruption
+
+QByteArray formatOf(const QString& file)
+{
+    const QByteArray suffix = QFileInfo(file).suffix().toLower().toLatin1();
+    if (suffix == "jpg" || suffix == "jpeg")
+        return "jpeg";
+    if (suffix == "tif" || suffix == "tiff")
+        return "tiff";
+    if (suffix == "png" || suffix == "bmp")
+        return suffix;
+    throw UserError(file + ": the name tells no format; let it end in .png, .jpg, .tif or .bmp");
+}
+
+QByteArray encode(const QString& file, const QImage& image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, formatOf(file));
+    if (writer.format() == "jpeg")
+        writer.setQuality(JPEG_QUALITY);
+    if (!writer.write(image))
+        throw UserError(QString("%1: cannot be made (%2); choose another format").arg(file, writer.errorString()));
+    return bytes;
+}
+
+UserError writeError(const QString& file, const QSaveFile& output)
+{
+    return UserError(
+        QString("%1: cannot be written (%2); choose another place with -o").arg(file, output.errorString()));
+}
+
+} // namespace
+
+void checkOutputFile(const QString& file, QSize size)
+{
+    if (formatOf(file) == "jpeg" && std::max(size.width(), size.height()) > JPEG_LONGEST_SIDE)
+        throw UserError(
+            QString("%1: JPEG ends at %2 pixels a side; choose .png or .tif").arg(file).arg(JPEG_LONGEST_SIDE));
+    const QFileInfo info(file);
+    if (!QFileInfo(info.path()).isDir())
+        throw UserError(QString("%1: there is no folder %2; make it first").arg(file, info.path()));
+    if (info.isDir())
+        throw UserError(file + ": is a folder; name a file in it with -o");
+    InterruptGuard guard;
+    QSaveFile output(file);
+    if (!output.open(QIODevice::WriteOnly))
+        throw writeError(file, output);
+    output.cancelWriting();
+    throwIfInterrupted();
+}
+
+void writeOutputFile(const QString& file, const QImage& image)
+{
+    const QByteArray bytes = encode(file, image);
+    InterruptGuard guard;
+    QSaveFile output(file);
+    if (!output.open(QIODevice::WriteOnly))
+        throw writeError(file, output);
+    for (qint64 done = 0; done < bytes.size();) {
+        const qint64 count = output.write(bytes.constData() + done, std::min<qint64>(CHUNK, bytes.size() - done));
+        if (count <= 0)
+            throw writeError(file, output);
+        done += count;
+        throwIfInterrupted();
+    }
+    if (!output.flush() || !output.commit()) // commit() alone overlooks what fails in its own flush
+        throw writeError(file, output);
+}
+
+} // namespace tesmor::apps

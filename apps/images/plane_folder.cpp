@@ -1,0 +1,70 @@
+#include "images/plane_folder.h"
+
+#include "host/fusion_job.h"
+#include "images/image_series.h"
+#include "tesmor/subcommand.h"
+
+#include <QCollator>
+#include <QDir>
+
+#include <algorithm>
+#include <cstring>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr int LEAST_SIDE = 64; // pixels
+constexpr int FEWEST_PLANES = 2;
+constexpr int MOST_PLANES = 1000;
+
+QStringList pictureFiles(const QString& folder)
+{
+    const QFileInfo info(folder);
+    if (!info.exists())
+        throw UserError(folder + ": does not exist; check the name");
+    if (!info.isDir())
+        throw UserError(folder + ": is no folder; name the folder that holds the photographs");
+    const QDir directory(folder);
+    if (!info.isReadable() || !info.isExecutable())
+        throw UserError(folder + ": cannot be read; check its permissions");
+    QStringList names =
+        directory.entryList({"*.png", "*.jpg", "*.jpeg", "*.tif", "*.tiff", "*.bmp"}, QDir::Files, QDir::NoSort);
+    QCollator collator(QLocale::c());
+    collator.setNumericMode(true);
+    std::ranges::sort(names, [&](const QString& a, const QString& b) {
+        const int order = collator.compare(a, b);
+        return order != 0 ? order < 0 : a < b;
+    });
+    QStringList files;
+    for (const QString& name : names)
+        files.append(directory.filePath(name));
+    return files;
+}
+
+} // namespace
+
+std::vector<microscope::Image> readPlanes(const QString& folder, LiveLine::Style style)
+{
+    const QStringList files = pictureFiles(folder);
+    if (files.size() < FEWEST_PLANES)
+        throw UserError(
+            QString("%1: holds %2; put the photographs of one field there, taken at different focus, as PNG, JPEG, "
+                    "TIFF or BMP")
+                .arg(folder, files.isEmpty() ? "no pictures" : "one picture only"));
+    if (files.size() > MOST_PLANES)
+        throw UserError(
+            QString("%1: holds %2 pictures; leave at most %3").arg(folder).arg(files.size()).arg(MOST_PLANES));
+    const QSize size = readCommonSize(files, LEAST_SIDE);
+    // The photographs once as they are read and once as planes, and the slices that are to be merged.
+    requireFusionMemory(fusionMemory(size, 2 * static_cast<std::size_t>(files.size()) + 128));
+
+    std::vector<microscope::Image> planes;
+    for (const QImage& photo : readFrames(files, size, style)) {
+        microscope::Image& plane = planes.emplace_back(size.width(), size.height());
+        std::memcpy(plane.pixels.data(), photo.constBits(), plane.pixels.size());
+    }
+    return planes;
+}
+
+} // namespace tesmor::apps

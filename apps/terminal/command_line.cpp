@@ -1,0 +1,56 @@
+#include "terminal/command_line.h"
+
+#include "tesmor/subcommand.h"
+
+#include <QJsonDocument>
+
+#include <cstdio>
+
+namespace tesmor::apps {
+
+namespace {
+
+UsageError rangeError(const QString& what, const QString& text, double least, double most)
+{
+    return UsageError(QString("%1 is '%2'; it must be a number from %3 to %4")
+                          .arg(what, text, QString::number(least, 'g', 10), QString::number(most, 'g', 10)));
+}
+
+} // namespace
+
+bool parseCommandLine(QCommandLineParser& parser, const QStringList& arguments)
+{
+    parser.addOption({{"h", "help"}, "Show this help."});
+    if (!parser.parse(arguments)) {
+        const QString text = parser.errorText();
+        throw UsageError(text.chopped(text.endsWith('.') ? 1 : 0));
+    }
+    if (parser.isSet("help"))
+        std::fputs(qPrintable(parser.helpText()), stdout);
+    return !parser.isSet("help");
+}
+
+std::int64_t integerOf(const QString& what, const QString& text, std::int64_t least, std::int64_t most)
+{
+    bool isNumber = false;
+    const std::int64_t number = text.toLongLong(&isNumber);
+    if (!isNumber || number < least || number > most)
+        throw rangeError(what, text, static_cast<double>(least), static_cast<double>(most));
+    return number;
+}
+
+double numberOf(const QString& what, const QString& text, double least, double most)
+{
+    bool isNumber = false;
+    const double number = text.toDouble(&isNumber);
+    if (!isNumber || !(number >= least && number <= most))
+        throw rangeError(what, text, least, most);
+    return number;
+}
+
+void printJson(const QJsonObject& object)
+{
+    std::printf("%s\n", QJsonDocument(object).toJson(QJsonDocument::Compact).constData());
+}
+
+} // namespace tesmor::apps

@@ -1,0 +1,58 @@
+#include "tesmor/demo/chart_axis.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tesmor::apps {
+
+namespace {
+
+// 1, 2 or 5 times a power of ten.
+double roundInterval(const Range& range)
+{
+    const double rough = (range.high - range.low) / 4;
+    const double power = std::pow(10, std::floor(std::log10(rough)));
+    const double digit = rough / power;
+    return power * (digit < 2 ? 1 : digit < 5 ? 2 : 5);
+}
+
+} // namespace
+
+void Range::include(double value)
+{
+    low = std::min(low, value);
+    high = std::max(high, value);
+}
+
+Range Range::widened(double share) const
+{
+    const double more = (high - low) * share;
+    return {low - more, high + more};
+}
+
+QFont chartFont(double points, bool bold)
+{
+    QFont font("DejaVu Sans");
+    font.setPointSizeF(points);
+    font.setBold(bold);
+    return font;
+}
+
+QValueAxis* makeAxis(const QString& title, const Range& range)
+{
+    const double interval = roundInterval(range);
+    auto* axis = new QValueAxis;
+    axis->setTitleText(title);
+    axis->setTitleFont(chartFont(12));
+    axis->setLabelsFont(chartFont(11));
+    const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(interval) + 1e-9)));
+    axis->setLabelFormat(QString("%.%1f").arg(decimals));
+    axis->setRange(range.low, range.high);
+    axis->setTickType(QValueAxis::TicksDynamic);
+    axis->setTickAnchor(0);
+    axis->setTickInterval(interval);
+    axis->setGridLineColor(QColor(228, 228, 232));
+    return axis;
+}
+
+} // namespace tesmor::apps

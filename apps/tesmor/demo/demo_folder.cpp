@@ -1,0 +1,68 @@
+#include "tesmor/demo/demo_folder.h"
+
+#include "images/output_file.h"
+#include "terminal/interrupt.h"
+#include "tesmor/subcommand.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr const char* TRACE = "focus-trace.csv";
+
+QStringList sliceNames(const QString& folder)
+{
+    return QDir(folder).entryList({"slice-*.png"}, QDir::Files, QDir::Name);
+}
+
+} // namespace
+
+DemoFolder::DemoFolder(const QString& path, const std::optional<QString>& planes)
+    : path_(path.endsWith('/') ? path : path + "/")
+{
+    if (QFileInfo(path).exists() && !QFileInfo(path).isDir())
+        throw UserError(path + ": is no folder; choose another with --output");
+    if (!QDir().mkpath(path))
+        throw UserError(path + ": the folder cannot be made; check the permissions, or choose another with --output");
+    if (planes && QDir(path) == QDir(*planes))
+        throw UserError(path + ": holds the photographs, which would be replaced; choose another folder with --output");
+    checkOutputFile(file("fused.png"), {});
+    const QStringList slices = sliceNames(path_);
+    if (!slices.isEmpty() && !QFileInfo::exists(file(TRACE)))
+        throw UserError(file(slices.first()) +
+                        ": was not made by a demo and would be replaced; choose another folder with --output");
+}
+
+void DemoFolder::writeTrace(const QByteArray& csv) const
+{
+    const InterruptGuard guard;
+    QSaveFile output(file(TRACE));
+    if (!output.open(QIODevice::WriteOnly) || output.write(csv) != csv.size() || !output.commit())
+        throw UserError(QString("%1: cannot be written (%2); choose another folder with --output")
+                            .arg(file(TRACE), output.errorString()));
+    throwIfInterrupted();
+}
+
+void DemoFolder::writeSlices(const std::vector<QImage>& slices) const
+{
+    for (const QString& name : sliceNames(path_)) {
+        if (!QFile::remove(file(name)))
+            throw UserError(file(name) + ": cannot be removed; check its permissions, or choose another folder with "
+                                         "--output");
+    }
+    int number = 0;
+    for (const QImage& slice : slices)
+        writePicture(QString("slice-%1.png").arg(++number, 2, 10, QChar('0')), slice);
+}
+
+void DemoFolder::writePicture(const QString& name, const QImage& picture) const
+{
+    writeOutputFile(file(name), picture);
+    throwIfInterrupted();
+}
+
+} // namespace tesmor::apps

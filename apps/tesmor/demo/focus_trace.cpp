@@ -1,0 +1,115 @@
+#include "tesmor/demo/focus_trace.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr std::uint32_t DRIVE_REQUEST = 0x222059; // control code
+constexpr std::size_t REQUEST_LENGTH = 10;
+constexpr std::size_t REQUEST_CODE = 4; // byte
+constexpr std::size_t DIRECTION_HIGH = 7;
+constexpr std::size_t STEPS_LOW = 8;
+constexpr std::uint8_t MOVE = 209;
+constexpr std::uint8_t REVERSE_BIT = 0x80;
+
+constexpr std::size_t PROBE_MOVES = 9;
+constexpr std::size_t PROBE_MOVES_WITHOUT_SAMPLE = 2;
+constexpr std::size_t RETURN_MOVES = 2;
+
+SearchPhase phaseOfMove(const std::vector<std::int64_t>& moves, std::size_t index)
+{
+    if (index < PROBE_MOVES)
+        return SearchPhase::PROBE;
+    const std::int64_t coarseStep = std::abs(moves.front());
+    if (std::abs(moves[index]) > coarseStep && index + 1 < moves.size())
+        return phaseOfMove(moves, index + 1);
+    return std::abs(moves[index]) >= coarseStep ? SearchPhase::COARSE : SearchPhase::FINE;
+}
+
+// The last frame within (from, to).
+std::optional<SeenFrame> lastFrame(const std::vector<SeenFrame>& frames, Clock::time_point from, Clock::time_point to)
+{
+    const auto after = std::ranges::lower_bound(frames, to, {}, &SeenFrame::time);
+    if (after == frames.begin() || std::prev(after)->time <= from)
+        return std::nullopt;
+    return *std::prev(after);
+}
+
+} // namespace
+
+const char* phaseName(SearchPhase phase)
+{
+    switch (phase) {
+    case SearchPhase::PROBE:
+        return "probe";
+    case SearchPhase::COARSE:
+        return "coarse sweep";
+    case SearchPhase::FINE:
+        return "fine sweep";
+    case SearchPhase::RETURN:
+        break;
+    }
+    return "return";
+}
+
+std::optional<std::int64_t> displacementOf(const microscope::LoggedRequest& request)
+{
+    if (request.answer != microscope::Answer::accepted || request.code != DRIVE_REQUEST ||
+        request.input.size() != REQUEST_LENGTH || request.input[REQUEST_CODE] != MOVE)
+        return std::nullopt;
+    const std::int64_t steps = request.input[STEPS_LOW] | request.input[STEPS_LOW + 1] << 8;
+    return (request.input[DIRECTION_HIGH] & REVERSE_BIT) != 0 ? -steps : steps;
+}
+
+FocusTrace traceSearch(const std::vector<microscope::LoggedRequest>& requests, const std::vector<SeenFrame>& frames,
+                       std::int64_t startPosition, bool complete)
+{
+    std::vector<std::int64_t> moves;
+    for (const auto& request : requests) {
+        if (const auto displacement = displacementOf(request))
+            moves.push_back(*displacement);
+    }
+    FocusTrace trace;
+    std::int64_t position = startPosition;
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+        const auto displacement = displacementOf(requests[i]);
+        if (!displacement)
+            continue;
+        position += *displacement;
+        const std::size_t move = trace.size();
+        const std::chrono::duration<double> time = requests[i].time - requests.front().time;
+        TraceStep step{phaseOfMove(moves, move), *displacement, position, time.count(), {}};
+        if (complete && move + RETURN_MOVES >= moves.size())
+            step.phase = SearchPhase::RETURN;
+        else if (move >= PROBE_MOVES_WITHOUT_SAMPLE)
+            step.sample = lastFrame(frames, requests[i].time,
+                                    i + 1 < requests.size() ? requests[i + 1].time : Clock::time_point::max());
+        trace.push_back(step);
+    }
+    return trace;
+}
+
+QByteArray traceAsCsv(const FocusTrace& trace)
+{
+    QString text = "move,seconds,phase,displacement_steps,motor_position_steps,frame_position_steps,sharpness_grey\n";
+    int move = 0;
+    for (const TraceStep& step : trace) {
+        text += QString("%1,%2,%3,%4,%5,")
+                    .arg(++move)
+                    .arg(step.seconds, 0, 'f', 3)
+                    .arg(phaseName(step.phase))
+                    .arg(step.displacement)
+                    .arg(step.position);
+        if (step.sample)
+            text += QString("%1,%2").arg(step.sample->position).arg(step.sample->sharpness, 0, 'f', 4);
+        else
+            text += ",";
+        text += "\n";
+    }
+    return text.toUtf8();
+}
+
+} // namespace tesmor::apps

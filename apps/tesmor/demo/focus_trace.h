@@ -1,0 +1,45 @@
+// The course of an autofocus, made out from the moves that the drive was asked for and the frames that went to the
+// library.
+#pragma once
+
+#include "host/frame_watch.h"
+#include "microscope/drive/request_log.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tesmor::apps {
+
+enum class SearchPhase { PROBE, COARSE, FINE, RETURN };
+
+const char* phaseName(SearchPhase phase);
+
+struct TraceStep {
+    SearchPhase phase;         // that the sample belongs to, where there is one
+    std::int64_t displacement; // motor steps, signed
+    std::int64_t position;     // of the motor after the move
+    double seconds;            // from the search's first request to this move's
+    std::optional<SeenFrame> sample;
+};
+
+using FocusTrace = std::vector<TraceStep>;
+
+// Motor steps, signed; none unless the request is a move that was accepted.
+std::optional<std::int64_t> displacementOf(const microscope::LoggedRequest& request);
+
+// Sizes tell the phases apart: the first nine moves, by one coarse step each, are the probe; a fine step is a fifth of a
+// coarse one; a longer move brings the motor to where the next sweep starts; the last two bring it to the sharpest
+// position. The sample of a move is the last frame before the next request, as the library goes on as soon as it has one.
+//   requests        of one autofocus that has ended, in order
+//   frames          in order; earlier and later ones do no harm
+//   startPosition   motor steps
+//   complete        it found a focus, so that the last two moves are the return
+FocusTrace traceSearch(const std::vector<microscope::LoggedRequest>& requests, const std::vector<SeenFrame>& frames,
+                       std::int64_t startPosition, bool complete);
+
+QByteArray traceAsCsv(const FocusTrace& trace);
+
+} // namespace tesmor::apps

@@ -1,0 +1,98 @@
+#include "tesmor/devices_command.h"
+
+#include "host/drive_units.h"
+#include "terminal/command_line.h"
+#include "terminal/interrupt.h"
+#include "tesmor/subcommand.h"
+
+#include <QCoreApplication>
+#include <QJsonArray>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr const char* DESCRIPTION =
+    "Lists the focus drives that are there. Nothing moves.\n\n"
+    "A drive has a unit number from 0 to 15; the library takes the lowest one that is there.\n\n"
+    "Examples:\n"
+    "  tesmor devices\n"
+    "  tesmor microscope > /dev/null & tesmor devices     with a simulated drive\n\n"
+    "Exit status: 0 a drive answers, 1 none does, 2 wrong usage.";
+
+const char* stateName(DriveState state)
+{
+    switch (state) {
+    case DriveState::answers:
+        return "answers";
+    case DriveState::busy:
+        return "busy";
+    case DriveState::foreign:
+        return "foreign";
+    case DriveState::silent:
+        return "silent";
+    }
+    return "";
+}
+
+QString explanation(const DriveUnit& unit)
+{
+    switch (unit.state) {
+    case DriveState::answers:
+        return "answers";
+    case DriveState::busy:
+        return "busy: another program uses it; close that program";
+    case DriveState::foreign:
+        return QString("not usable: its drive service runs as user %1; it must run as root or as you").arg(unit.owner);
+    case DriveState::silent:
+        return "does not reply; start its drive service anew";
+    }
+    return {};
+}
+
+void printUnits(const std::vector<DriveUnit>& units)
+{
+    for (const DriveUnit& unit : units)
+        std::printf("unit %-2u  %s\n", unit.number, qPrintable(explanation(unit)));
+    if (units.empty())
+        std::fprintf(stderr,
+                     "tesmor devices: there is no focus drive; connect a camera that has one and start its drive "
+                     "service, or try: tesmor microscope > /dev/null\n");
+}
+
+void printUnitsAsJson(const std::vector<DriveUnit>& units)
+{
+    QJsonArray array;
+    for (const DriveUnit& unit : units)
+        array.append(QJsonObject{{"unit", static_cast<int>(unit.number)}, {"state", stateName(unit.state)}});
+    printJson({{"units", array}});
+}
+
+} // namespace
+
+int runDevices(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    installInterruptHandler();
+    QCommandLineParser parser;
+    parser.setApplicationDescription(DESCRIPTION);
+    parser.addOption({"json", "Answer with one line of JSON: {\"units\":[{\"unit\":0,\"state\":\"answers\"}]}. "
+                              "The states: answers, busy, foreign, silent."});
+    if (!parseCommandLine(parser, QCoreApplication::arguments()))
+        return STATUS_DONE;
+    if (!parser.positionalArguments().isEmpty())
+        throw UsageError(QString("'%1' is too much; it takes no arguments").arg(parser.positionalArguments().first()));
+
+    const std::vector<DriveUnit> units = findDriveUnits();
+    if (parser.isSet("json"))
+        printUnitsAsJson(units);
+    else
+        printUnits(units);
+    const auto answers = [](const DriveUnit& unit) { return unit.state == DriveState::answers; };
+    return std::ranges::any_of(units, answers) ? STATUS_DONE : STATUS_FAILED;
+}
+
+} // namespace tesmor::apps

@@ -1,0 +1,107 @@
+// The command `tesmor`: finds the subcommand, runs it, and turns its failure into a line and an exit status.
+#include "terminal/interrupt.h"
+#include "tesmor.h"
+#include "tesmor/demo_command.h"
+#include "tesmor/devices_command.h"
+#include "tesmor/fuse_command.h"
+#include "tesmor/microscope_command.h"
+#include "tesmor/move_command.h"
+#include "tesmor/subcommand.h"
+
+#include <QtGlobal>
+
+#include <cstdio>
+#include <new>
+#include <string>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr Subcommand SUBCOMMANDS[] = {
+    {"demo", "show a whole session on a simulated microscope; needs no camera", runDemo},
+    {"devices", "list the focus drives that are there", runDevices},
+    {"fuse", "merge a focus stack into one image that is sharp throughout", runFuse},
+    {"microscope", "run a simulated microscope, with a drive and live frames", runMicroscope},
+    {"move", "turn the focus by hand", runMove},
+};
+
+constexpr const char* USAGE = "Usage: tesmor SUBCOMMAND [ARGUMENT]...\n"
+                              "       tesmor SUBCOMMAND --help\n"
+                              "       tesmor --version\n";
+
+void printHelp()
+{
+    std::printf("%s\nAutofocus, focus stacks and multi-focus image fusion for microscope cameras.\n\nSubcommands:\n",
+                USAGE);
+    for (const Subcommand& subcommand : SUBCOMMANDS)
+        std::printf("  %-11s %s\n", subcommand.name, subcommand.summary);
+    std::printf("\nExample: merge five photographs taken at different focus\n"
+                "  tesmor fuse -o sharp.png slice-1.png slice-2.png slice-3.png slice-4.png slice-5.png\n");
+}
+
+const Subcommand* findSubcommand(const std::string& name)
+{
+    for (const Subcommand& subcommand : SUBCOMMANDS) {
+        if (name == subcommand.name)
+            return &subcommand;
+    }
+    return nullptr;
+}
+
+int runSubcommand(const Subcommand& subcommand, int argc, char** argv)
+{
+    std::string title = std::string("tesmor ") + subcommand.name;
+    argv[0] = title.data();
+    try {
+        return subcommand.run(argc, argv);
+    } catch (const UsageError& error) {
+        std::fprintf(stderr, "%s: %s; see %s --help\n", title.c_str(), error.what(), title.c_str());
+        return STATUS_USAGE;
+    } catch (const UserError& error) {
+        std::fprintf(stderr, "%s: %s\n", title.c_str(), error.what());
+    } catch (const Interrupted&) {
+        std::fprintf(stderr, "%s: stopped\n", title.c_str());
+        return STATUS_INTERRUPTED;
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "%s: not enough memory; close other programs\n", title.c_str());
+    }
+    return STATUS_FAILED;
+}
+
+int run(int argc, char** argv)
+{
+    const std::string name = argc > 1 ? argv[1] : "";
+    if (name == "--help" || name == "-h") {
+        printHelp();
+        return STATUS_DONE;
+    }
+    if (name == "--version") {
+        std::printf("tesmor %s\n", TESMOR_VERSION);
+        return STATUS_DONE;
+    }
+    if (const Subcommand* subcommand = findSubcommand(name))
+        return runSubcommand(*subcommand, argc - 1, argv + 1);
+    if (name.empty())
+        std::fprintf(stderr, "%s", USAGE);
+    else
+        std::fprintf(stderr, "tesmor: there is no subcommand '%s'; see tesmor --help\n", name.c_str());
+    return STATUS_USAGE;
+}
+
+// What Qt has to say of a file or of the locale would stand between our own lines.
+void dropMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+}
+
+} // namespace
+
+} // namespace tesmor::apps
+
+int main(int argc, char** argv)
+{
+    qInstallMessageHandler(tesmor::apps::dropMessage);
+    return tesmor::apps::run(argc, argv);
+}

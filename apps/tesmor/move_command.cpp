@@ -1,0 +1,122 @@
+#include "tesmor/move_command.h"
+
+#include "host/library_session.h"
+#include "microscope/virtual_microscope.h"
+#include "terminal/command_line.h"
+#include "terminal/interrupt.h"
+#include "tesmor.h"
+#include "tesmor/subcommand.h"
+
+#include <QCoreApplication>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <system_error>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr int STEPS_PER_TURN = 12800;
+constexpr double DEGREES_PER_STEP = 360.0 / STEPS_PER_TURN;
+constexpr double MOST_DEGREES = 1843; // what the step count of one move can hold
+
+constexpr const char* DESCRIPTION =
+    "Turns the focus by hand: ANGLE degrees, positive forward, at most 1843 either way.\n\n"
+    "It is the first thing to try with a new camera: watch the focus wheel, and the picture in your viewer.\n"
+    "The motor makes 12800 steps in a turn of 360 degrees; what is less than a step is dropped.\n\n"
+    "Examples:\n"
+    "  tesmor move 90\n"
+    "  tesmor move -4.5\n"
+    "  tesmor move --virtual 90      without a camera, on a simulated drive\n\n"
+    "Exit status: 0 turned, 1 failed, 2 wrong usage, 130 stopped.";
+
+// An angle such as -90 would be read as options; it is moved behind the mark that ends them.
+QStringList markAngles(const QStringList& arguments)
+{
+    QStringList options, angles;
+    for (const QString& argument : arguments) {
+        bool isNumber = false;
+        argument.toDouble(&isNumber);
+        (isNumber ? angles : options).append(argument);
+    }
+    return options.contains("--") ? arguments : options + QStringList("--") + angles;
+}
+
+std::unique_ptr<microscope::VirtualMicroscope> startVirtualDrive()
+{
+    microscope::Settings settings;
+    settings.width = settings.height = 64;
+    settings.framesPerSecond = 0;
+    auto microscope = std::make_unique<microscope::VirtualMicroscope>(settings);
+    try {
+        microscope->start({});
+    } catch (const std::system_error&) {
+        throw UserError("a drive is there already, as unit 0; turn that, without --virtual, or end its service");
+    }
+    std::fprintf(stderr, "The drive is simulated: no motor turns.\n");
+    return microscope;
+}
+
+std::int32_t move(double angle)
+{
+    std::promise<std::int32_t> promise;
+    const auto onDone = [](void* context, std::int32_t result) {
+        static_cast<std::promise<std::int32_t>*>(context)->set_value(result);
+    };
+    const LibrarySession session;
+    tesmor_manual(angle, onDone, &promise);
+    return promise.get_future().get();
+}
+
+QString textFor(std::int32_t result, std::int32_t steps)
+{
+    if (result == TESMOR_NO_DRIVE)
+        return "there is no focus drive; connect a camera that has one and start its drive service, or try --virtual";
+    if (result == TESMOR_MOVE_FAILED)
+        return "the drive did not carry out the move; tesmor devices tells whether another program uses it";
+    if (steps == 0)
+        return "The drive answered to a move of 0 steps.";
+    return QString("Turned %1 degrees %2: %3 steps.")
+        .arg(QString::number(std::abs(steps) * DEGREES_PER_STEP), steps > 0 ? "forward" : "in reverse")
+        .arg(std::abs(steps));
+}
+
+} // namespace
+
+int runMove(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    installInterruptHandler();
+    QCommandLineParser parser;
+    parser.setApplicationDescription(DESCRIPTION);
+    parser.addPositionalArgument("ANGLE", "Degrees; positive is forward.");
+    parser.addOptions({
+        {"virtual", "Turn a simulated drive."},
+        {"json",
+         "Answer with one line of JSON: {\"degrees\":90,\"result\":0,\"steps\":3200,\"text\":\"...\"}, with the "
+         "library's result code. Also for a move that fails."},
+    });
+    if (!parseCommandLine(parser, markAngles(QCoreApplication::arguments())))
+        return STATUS_DONE;
+    if (parser.positionalArguments().size() != 1)
+        throw UsageError("name one angle, in degrees");
+    const double angle = numberOf("the angle", parser.positionalArguments().first(), -MOST_DEGREES, MOST_DEGREES);
+
+    const auto microscope = parser.isSet("virtual") ? startVirtualDrive() : nullptr;
+    const auto steps = static_cast<std::int32_t>(angle * STEPS_PER_TURN / 360.0);
+    const std::int32_t result = move(angle);
+    const QString text = textFor(result, steps);
+    if (parser.isSet("json"))
+        printJson({{"degrees", angle}, {"steps", steps}, {"result", result}, {"text", text}});
+    else if (result == TESMOR_SUCCESS)
+        std::printf("%s\n", qPrintable(text));
+    else
+        throw UserError(text);
+    return result == TESMOR_SUCCESS ? STATUS_DONE : STATUS_FAILED;
+}
+
+} // namespace tesmor::apps

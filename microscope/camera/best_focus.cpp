@@ -1,0 +1,104 @@
+#include "microscope/camera/best_focus.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace tesmor::microscope {
+
+namespace {
+
+struct Region {
+    std::int32_t left;
+    std::int32_t top;
+    std::int32_t width;
+    std::int32_t height;
+};
+
+Region middleOf(const Scene& scene, std::uint16_t magnification)
+{
+    const std::int32_t divisor = magnification >= 40 ? 2 : 4;
+    const std::int32_t width = scene.width() / divisor;
+    const std::int32_t height = scene.height() / divisor;
+    return {(scene.width() - width) / 2, (scene.height() - height) / 2, width, height};
+}
+
+// Calls use(row, brightness of that row's part in the region).
+template <class Use>
+void forEachRow(const Scene& scene, const Region& region, double position, Use use)
+{
+    std::vector<std::uint16_t> pixels(3 * static_cast<std::size_t>(scene.width()));
+    const auto part = std::span(pixels).subspan(3 * static_cast<std::size_t>(region.left),
+                                                3 * static_cast<std::size_t>(region.width));
+    for (std::int32_t row = region.top; row < region.top + region.height; ++row) {
+        scene.renderRow(position, row, pixels);
+        use(row, part);
+    }
+}
+
+double distanceFromSharp(const Optics& optics, const Region& region, double position)
+{
+    double sum = 0;
+    forEachRow(optics, region, position, [&](std::int32_t row, std::span<const std::uint16_t> seen) {
+        const auto sharp = optics.sharpRow(row).subspan(3 * static_cast<std::size_t>(region.left), seen.size());
+        for (std::size_t i = 0; i < seen.size(); ++i) {
+            const double difference = seen[i] - sharp[i];
+            sum += difference * difference;
+        }
+    });
+    return sum;
+}
+
+double varianceOf(const Scene& scene, const Region& region, double position)
+{
+    double sum = 0;
+    double squares = 0;
+    double count = 0;
+    forEachRow(scene, region, position, [&](std::int32_t, std::span<const std::uint16_t> seen) {
+        for (const double value : seen) {
+            sum += value;
+            squares += value * value;
+            ++count;
+        }
+    });
+    return squares - sum * sum / count;
+}
+
+// Of the positions from `low` to `high`, `step` apart, the one with the least cost.
+template <class Cost>
+double cheapest(double low, double high, double step, Cost cost)
+{
+    double best = low;
+    double bestCost = cost(low);
+    for (double position = low + step; position <= high; position += step) {
+        const double here = cost(position);
+        if (here < bestCost) {
+            best = position;
+            bestCost = here;
+        }
+    }
+    return best;
+}
+
+} // namespace
+
+double findBestFocus(const Optics& optics, const Specimen& specimen, const Objective& objective)
+{
+    const Region region = middleOf(optics, objective.magnification);
+    const auto cost = [&](double position) { return distanceFromSharp(optics, region, position); };
+    const auto [lowest, highest] = std::ranges::minmax(specimen.heightMap);
+    const double coarse = objective.depthOfFieldSteps() / 4;
+    const double near = cheapest(lowest, highest, coarse, cost);
+    return cheapest(near - coarse, near + coarse, coarse / 8, cost);
+}
+
+double findBestPlane(const PhotoScene& scene, std::uint16_t magnification)
+{
+    const Region region = middleOf(scene, magnification);
+    const auto plane = cheapest(0, static_cast<double>(scene.planeCount() - 1), 1, [&](double candidate) {
+        return -varianceOf(scene, region, scene.planePosition(static_cast<std::size_t>(candidate)));
+    });
+    return scene.planePosition(static_cast<std::size_t>(plane));
+}
+
+} // namespace tesmor::microscope

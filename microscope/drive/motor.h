@@ -1,0 +1,46 @@
+// The focus motor. Positions are motor steps, positive forward; the focus follows the motor with the backlash of its
+// gear. Any thread.
+#pragma once
+
+#include "microscope/drive/motor_settings.h"
+#include "microscope/drive/time_scale.h"
+
+#include <cstdint>
+#include <mutex>
+
+namespace tesmor::microscope {
+
+class Motor {
+public:
+    Motor(const MotorSettings& settings, TimeScale timeScale, std::int64_t position);
+
+    // Starts a move at `now`, at constant speed, and returns when it will end. Of its steps `missedSteps`, at most all,
+    // take their time but turn nothing. Not while the motor is moving.
+    Clock::time_point move(std::int64_t displacement, std::int64_t missedSteps, Clock::time_point now);
+
+    bool isMoving(Clock::time_point now) const;
+    std::int64_t position(Clock::time_point now) const; // of the focus
+
+    // Puts the focus there, within the end stops, and ends a move that is under way.
+    void place(std::int64_t position);
+
+private:
+    struct State {
+        std::int64_t focus;
+        std::int64_t slack; // steps that the motor has to go in reverse before the focus follows, 0 to the backlash
+    };
+
+    State turned(State from, std::int64_t displacement) const;
+    State stateAt(Clock::time_point now) const;
+
+    const MotorSettings settings_;
+    const TimeScale timeScale_;
+
+    mutable std::mutex mutex_; // guards what follows
+    State start_;              // of the last move
+    std::int64_t displacement_ = 0;
+    Clock::time_point startTime_{};
+    Clock::time_point endTime_{};
+};
+
+} // namespace tesmor::microscope

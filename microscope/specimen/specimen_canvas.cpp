@@ -1,0 +1,23 @@
+#include "microscope/specimen/specimen_canvas.h"
+
+#include "microscope/camera/objective.h"
+
+namespace tesmor::microscope {
+
+Canvas::Canvas(std::int32_t pictureWidth, std::int32_t pictureHeight)
+    : width(pictureWidth), height(pictureHeight), scale(pictureWidth / SENSOR_WIDTH_PIXELS),
+      density(static_cast<std::size_t>(pictureWidth) * static_cast<std::size_t>(pictureHeight)), relief(density.size())
+{
+}
+
+void Canvas::put(std::size_t pixel, const Dye& dye, const Touch& touch)
+{
+    const auto amount = static_cast<float>(touch.cover * touch.density);
+    density[pixel][0] += amount * dye.blue;
+    density[pixel][1] += amount * dye.green;
+    density[pixel][2] += amount * dye.red;
+    if (touch.cover > 0.5)
+        relief[pixel] = static_cast<float>(touch.height);
+}
+
+} // namespace tesmor::microscope

@@ -1,0 +1,19 @@
+// The focus measure: how much the luminance of a frame's central region varies.
+#pragma once
+
+#include "measure/luma_tables.h"
+
+#include <cstdint>
+
+namespace tesmor {
+
+// The sum (not the mean) of squared deviations of luminance from its mean over the central region of the frame: half of
+// each dimension for the magnifications 40, 60, 80 and 100, a quarter for every other. 0.0 when the region is empty.
+//   image          frame as tesmor.h lays it out; read only
+//   width, height  pixels
+// Rows are found by the running bit count of all rows above them, which drifts against the padded rows where the width
+// is no multiple of 4. Sums are made in row order; every autofocus rests on the exact value. Never throws.
+double measureFocus(const std::uint8_t* image, std::int32_t width, std::int32_t height, std::uint16_t magnification,
+                    const LumaTables& tables) noexcept;
+
+} // namespace tesmor

@@ -1,0 +1,173 @@
+#include "operations/autofocus_search.h"
+
+#include "api/library.h"
+#include "drive/focus_drive.h"
+#include "frames/frame_wait.h"
+#include "operations/search_profile.h"
+#include "session/result_codes.h"
+
+#include <array>
+#include <mutex>
+#include <optional>
+
+namespace tesmor {
+
+namespace {
+
+constexpr int PROBE_REACH = 3; // coarse steps on either side of the start
+
+// Sharpness at the present position; none when the shared command is no longer the autofocus.
+std::optional<double> readFocusValue() noexcept
+{
+    std::lock_guard guard(library.commandLock);
+    if (library.commandBlock.command != CMD_AUTOFOCUS)
+        return std::nullopt;
+    return library.commandBlock.focusValue;
+}
+
+class AutofocusSearch {
+public:
+    AutofocusSearch(FocusDrive& drive, const SearchProfile& profile) noexcept
+        : drive_(drive), step_(profile.searchRange / 10), sweepLimit_(profile.searchRange), minStep_(profile.minStep)
+    {
+    }
+
+    std::int32_t run()
+    {
+        if (!probeDirection())
+            return result_;
+        do {
+            if (!sweep() || !turnBack())
+                return result_;
+        } while (step_ > minStep_);
+        moveBy((travel_ - bestTravel_) * sweepDirection_);
+        return result_;
+    }
+
+private:
+    // Each of these returns whether the search goes on; when it does not, result_ says how it ends.
+
+    bool moveBy(std::int32_t displacement)
+    {
+        if (drive_.moveBy(displacement))
+            return true;
+        result_ = MOVE_FAILED;
+        return false;
+    }
+
+    bool takeSample(double& sharpness)
+    {
+        result_ = waitForFrame();
+        if (result_ != SUCCESS)
+            return false;
+        const std::optional<double> value = readFocusValue();
+        if (!value)
+            return false;
+        sharpness = *value;
+        return true;
+    }
+
+    bool probeDirection()
+    {
+        std::array<double, 2 * PROBE_REACH + 1> probe;
+        for (int i = 0; i < PROBE_REACH; ++i) {
+            if (!moveBy(step_))
+                return false;
+        }
+        if (!takeSample(probe.front()))
+            return false;
+        for (std::size_t i = 1; i < probe.size(); ++i) {
+            if (!moveBy(-step_) || !takeSample(probe[i]))
+                return false;
+        }
+        if (probe.front() < probe.back()) {
+            sweepDirection_ = -1;
+            return true;
+        }
+        sweepDirection_ = 1;
+        return moveBy(PROBE_REACH * step_);
+    }
+
+    bool sweep()
+    {
+        travel_ = 0;
+        bestTravel_ = 0;
+        peakPassed_ = false;
+        wrongWay_ = false;
+        if (!takeSample(bestValue_))
+            return false;
+        while (!peakPassed_ && travel_ < sweepLimit_) {
+            if (!moveBy(step_ * sweepDirection_))
+                return false;
+            travel_ += step_;
+            double sample;
+            if (!takeSample(sample))
+                return false;
+            judge(sample);
+        }
+        return true;
+    }
+
+    void judge(double sample) noexcept
+    {
+        if (sample >= bestValue_) {
+            bestValue_ = sample;
+            bestTravel_ = travel_;
+        }
+        const auto [p1, p2, p3] = samples_;
+        const bool previousAreOfThisSweep = travel_ > 3 * step_;
+        if (previousAreOfThisSweep) {
+            if (sample > p1 && sample > p2 && sample > p3) {
+                sweepLimit_ += step_;
+            } else if (p1 >= sample && p2 >= sample) {
+                peakPassed_ = true;
+                wrongWay_ = isFirstComparison_;
+            }
+            isFirstComparison_ = false;
+        }
+        samples_ = {sample, p1, p2};
+    }
+
+    bool turnBack()
+    {
+        sweepDirection_ = -sweepDirection_;
+        if (!moveBy(2 * step_ * sweepDirection_))
+            return false;
+        if (!wrongWay_) {
+            sweepLimit_ = 2 * step_;
+            travel_ -= 2 * step_;
+            step_ = sweepLimit_ / 10;
+        }
+        return true;
+    }
+
+    FocusDrive& drive_;
+    std::int32_t result_ = SUCCESS;
+
+    // Motor steps.
+    std::int32_t step_;
+    std::int32_t sweepLimit_;
+    const std::int32_t minStep_;
+    std::int32_t travel_ = 0;     // in the current sweep, counted positive from its start
+    std::int32_t bestTravel_ = 0; // where bestValue_ was seen; 0 is the sweep's start
+
+    std::int32_t sweepDirection_ = 1;
+    double bestValue_ = 0.0;
+    std::array<double, 3> samples_{}; // the newest first
+    bool peakPassed_ = false;         // this sweep saw the sharpness fall,
+    bool wrongWay_ = false;           // and that at the search's very first comparison
+    bool isFirstComparison_ = true;
+};
+
+} // namespace
+
+std::int32_t autofocusSearch(std::uint16_t magnification)
+{
+    library.manualDrive.reset();
+    FocusDrive drive;
+    if (!drive.hasDevice())
+        return NO_DRIVE;
+    return AutofocusSearch(drive, searchProfile(magnification)).run();
+}
+
+} // namespace tesmor
