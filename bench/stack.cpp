@@ -1,9 +1,8 @@
 #include "stack.h"
 
-#include "api/library.h"
 #include "fusion/fuse_images.h"
 #include "fusion/image_layout.h"
-#include "session/result_codes.h"
+#include "tesmor.h"
 
 #include <cstdlib>
 #include <random>
@@ -30,9 +29,10 @@ void Stack::fuse()
     std::vector<const std::uint8_t*> pointers;
     for (const auto& image : images_)
         pointers.push_back(image.data());
-    library.runFlag = 1;
-    const auto noProgress = [](const std::uint8_t*, std::int32_t, std::int32_t, void*, std::int32_t) {};
-    if (fuseImages(pointers.data(), pointers.size(), width_, height_, output_.data(), noProgress, nullptr) != SUCCESS)
+    const std::atomic<std::int32_t> runFlag{1};
+    const auto noProgress = [](std::int32_t) {};
+    if (fuseImages(pointers.data(), pointers.size(), width_, height_, output_.data(), runFlag, noProgress) !=
+        TESMOR_SUCCESS)
         std::abort();
 }
 

@@ -1,12 +1,11 @@
 #include "fusion/fuse_images.h"
 
-#include "api/library.h"
-#include "fusion/focus_weight.h"
 #include "fusion/image_layout.h"
+#include "fusion/pixel_weight.h"
 #include "fusion/sharpen_engine.h"
 #include "fusion/smoothing.h"
 #include "fusion/weighted_mean.h"
-#include "session/result_codes.h"
+#include "tesmor.h"
 
 #include <algorithm>
 
@@ -19,73 +18,56 @@ constexpr double ROLLOFF = 1.0;
 constexpr int SMOOTHING_PASSES = 5;
 constexpr std::size_t SLACK_ROWS = 2;
 
-bool aborted() noexcept
-{
-    return library.runFlag.load(std::memory_order_relaxed) == 0;
-}
-
-class Progress {
-public:
-    Progress(std::uint64_t imageCount, FrameCallback callback, void* context) noexcept
-        : steps_(3 * imageCount + 4), callback_(callback), context_(context)
-    {
-    }
-
-    void report(std::uint64_t step) const
-    {
-        callback_(nullptr, 0, 0, context_, static_cast<std::int32_t>(100 * step / steps_));
-    }
-
-    void reportEnd() const
-    {
-        report(steps_);
-    }
-
-private:
-    std::uint64_t steps_;
-    FrameCallback callback_;
-    void* context_;
-};
-
 class Fusion {
 public:
-    explicit Fusion(const ImageLayout& layout) noexcept
-        : layout_(layout), smoothing_(layout.width, layout.height),
-          measure_(makeZeroedArray<std::int32_t>(layout.pixelCount() + SLACK_ROWS * layout.width)), mean_(layout),
+    Fusion(const ImageLayout& layout, std::uint64_t imageCount, const std::atomic<std::int32_t>& runFlag,
+           const FusionProgress& progress) noexcept
+        : layout_(layout), steps_(3 * imageCount + 4), runFlag_(runFlag), progress_(progress),
+          smoothing_(layout.width, layout.height),
+          weights_(makeZeroedArray<std::int32_t>(layout.pixelCount() + SLACK_ROWS * layout.width)), mean_(layout),
           sharpenedRow_(makeZeroedArray<std::uint8_t>(static_cast<std::size_t>(layout.width)))
     {
     }
 
     bool hasBuffers() const noexcept
     {
-        return smoothing_.ready() && measure_ && mean_.ready() && sharpenedRow_;
+        return smoothing_.ready() && weights_ && mean_.ready() && sharpenedRow_;
     }
 
-    std::int32_t run(const std::uint8_t* const* images, std::uint64_t imageCount, std::uint8_t* output,
-                     const Progress& progress)
+    std::int32_t run(const std::uint8_t* const* images, std::uint64_t imageCount, std::uint8_t* output)
     {
         engine_.prepare(layout_.width, layout_.height);
         if (aborted())
-            return ABORTED;
+            return TESMOR_ABORTED;
         if (!engine_.ready())
-            return NO_MEMORY;
-        progress.report(1);
+            return TESMOR_NO_MEMORY;
+        report(1);
         engine_.buildGain();
         if (aborted())
-            return ABORTED;
+            return TESMOR_ABORTED;
         for (std::uint64_t k = 0; k < imageCount; ++k) {
-            if (!addImage(images[k], progress, 3 * k))
-                return ABORTED;
+            if (!addImage(images[k], 3 * k))
+                return TESMOR_ABORTED;
         }
         compose(output);
-        progress.reportEnd();
-        return SUCCESS;
+        report(steps_);
+        return TESMOR_SUCCESS;
     }
 
 private:
+    bool aborted() const noexcept
+    {
+        return runFlag_.load(std::memory_order_relaxed) == 0;
+    }
+
+    void report(std::uint64_t step) const
+    {
+        progress_(static_cast<std::int32_t>(100 * step / steps_));
+    }
+
     // These return false when the run is aborted.
 
-    bool addImage(const std::uint8_t* image, const Progress& progress, std::uint64_t stepsBefore)
+    bool addImage(const std::uint8_t* image, std::uint64_t stepsBefore)
     {
         for (std::size_t colour = 0; colour < COLOURS; ++colour) {
             engine_.load(image + colour, layout_.stride);
@@ -93,31 +75,31 @@ private:
             if (aborted())
                 return false;
             if (colour == 1)
-                progress.report(stepsBefore + 2); // half of the transforms are done
+                report(stepsBefore + 2); // half of the transforms are done
             engine_.applyGain();
             engine_.inverse();
             if (aborted())
                 return false;
             if (colour == COLOURS - 1)
-                progress.report(stepsBefore + 3);
-            if (!measure(image, colour))
+                report(stepsBefore + 3);
+            if (!weigh(image, colour))
                 return false;
         }
         if (!smooth() || !accumulate(image))
             return false;
-        progress.report(stepsBefore + 4);
+        report(stepsBefore + 4);
         return true;
     }
 
-    bool measure(const std::uint8_t* image, std::size_t colour) noexcept
+    bool weigh(const std::uint8_t* image, std::size_t colour) noexcept
     {
         for (std::int32_t y = 0; y < layout_.height; ++y) {
             if (aborted())
                 return false;
             if (colour == 0)
-                std::fill_n(measureOfRow(y), layout_.width, 0);
+                std::fill_n(weightsOfRow(y), layout_.width, 0);
             engine_.storeRow(static_cast<std::uint32_t>(y), sharpenedRow_.get());
-            addFocusTerms(image + layout_.rowOffset(y) + colour, sharpenedRow_.get(), layout_.width, measureOfRow(y));
+            addWeightTerms(image + layout_.rowOffset(y) + colour, sharpenedRow_.get(), layout_.width, weightsOfRow(y));
         }
         return !aborted();
     }
@@ -125,7 +107,7 @@ private:
     bool smooth() noexcept
     {
         for (int pass = 0; pass < SMOOTHING_PASSES; ++pass) {
-            if (!smoothing_.run(measure_.get(), library.runFlag))
+            if (!smoothing_.run(weights_.get(), runFlag_))
                 return false;
         }
         return true;
@@ -137,7 +119,7 @@ private:
         for (std::int32_t y = 0; y < layout_.height; ++y) {
             if (aborted())
                 return false;
-            mean_.addRow(y, image + layout_.rowOffset(y), measureOfRow(y));
+            mean_.addRow(y, image + layout_.rowOffset(y), weightsOfRow(y));
         }
         return true;
     }
@@ -159,14 +141,17 @@ private:
         }
     }
 
-    std::int32_t* measureOfRow(std::int32_t y) noexcept
+    std::int32_t* weightsOfRow(std::int32_t y) noexcept
     {
-        return measure_.get() + static_cast<std::ptrdiff_t>(y) * layout_.width;
+        return weights_.get() + static_cast<std::ptrdiff_t>(y) * layout_.width;
     }
 
     ImageLayout layout_;
+    std::uint64_t steps_; // of the progress
+    const std::atomic<std::int32_t>& runFlag_;
+    const FusionProgress& progress_;
     Smoothing smoothing_;
-    ZeroedArray<std::int32_t> measure_; // of the image in hand; two slack rows after the last one stay 0
+    ZeroedArray<std::int32_t> weights_; // of the image in hand; two slack rows after the last one stay 0
     WeightedMean mean_;
     ZeroedArray<std::uint8_t> sharpenedRow_; // one colour of the row in hand
     SharpenEngine engine_{CUTOFF, ROLLOFF};
@@ -175,15 +160,16 @@ private:
 } // namespace
 
 std::int32_t fuseImages(const std::uint8_t* const* images, std::uint64_t imageCount, std::uint32_t width,
-                        std::uint32_t height, std::uint8_t* output, FrameCallback frameCallback, void* context)
+                        std::uint32_t height, std::uint8_t* output, const std::atomic<std::int32_t>& runFlag,
+                        const FusionProgress& progress)
 {
     const auto layout = ImageLayout::of(width, height);
     if (!layout)
-        return NO_MEMORY;
-    Fusion fusion(*layout);
+        return TESMOR_NO_MEMORY;
+    Fusion fusion(*layout, imageCount, runFlag, progress);
     if (!fusion.hasBuffers())
-        return NO_MEMORY;
-    return fusion.run(images, imageCount, output, Progress(imageCount, frameCallback, context));
+        return TESMOR_NO_MEMORY;
+    return fusion.run(images, imageCount, output);
 }
 
 } // namespace tesmor

@@ -52,12 +52,6 @@ public:
         return ready_;
     }
 
-    // The gain of each frequency, in the order of the transform (zero frequency first). Valid while ready.
-    const double* gain() const noexcept
-    {
-        return gain_.get();
-    }
-
     void buildGain() noexcept;
 
     // One colour of an image: every third byte from `bytes` on, in rows of `stride` bytes.

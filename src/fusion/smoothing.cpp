@@ -34,14 +34,14 @@ bool Smoothing::ready() const noexcept
     return rowSums_[0] && rowSums_[1] && rowSums_[2];
 }
 
-bool Smoothing::run(std::int32_t* measure, const std::atomic<std::int32_t>& runFlag) noexcept
+bool Smoothing::run(std::int32_t* weights, const std::atomic<std::int32_t>& runFlag) noexcept
 {
-    smoothInterior(measure);
-    smoothEdgeRows(measure);
-    return smoothEdgeColumns(measure, runFlag);
+    smoothInterior(weights);
+    smoothEdgeRows(weights);
+    return smoothEdgeColumns(weights, runFlag);
 }
 
-void Smoothing::smoothInterior(std::int32_t* measure) noexcept
+void Smoothing::smoothInterior(std::int32_t* weights) noexcept
 {
     if (width_ <= 2 || height_ <= 2)
         return;
@@ -49,8 +49,8 @@ void Smoothing::smoothInterior(std::int32_t* measure) noexcept
     std::int32_t* previous = rowSums_[0].get();
     std::int32_t* current = rowSums_[1].get();
     std::int32_t* next = rowSums_[2].get();
-    std::int32_t* row = measure + w;
-    sumThree(measure, previous, w);
+    std::int32_t* row = weights + w;
+    sumThree(weights, previous, w);
     sumThree(row, current, w);
     for (std::int32_t y = 1; y <= height_ - 2; ++y, row += w) {
         sumThree(row + w, next, w);
@@ -61,12 +61,12 @@ void Smoothing::smoothInterior(std::int32_t* measure) noexcept
 }
 
 // The order counts: the interior next to the edge is smoothed already, and so is the left neighbour in the same row.
-void Smoothing::smoothEdgeRows(std::int32_t* measure) const noexcept
+void Smoothing::smoothEdgeRows(std::int32_t* weights) const noexcept
 {
     const std::int32_t last = width_ - 1;
-    std::int32_t* top = measure;
-    const std::int32_t* belowTop = measure + width_;
-    std::int32_t* bottom = measure + static_cast<std::ptrdiff_t>(height_ - 1) * width_;
+    std::int32_t* top = weights;
+    const std::int32_t* belowTop = weights + width_;
+    std::int32_t* bottom = weights + static_cast<std::ptrdiff_t>(height_ - 1) * width_;
     const std::int32_t* aboveBottom = bottom - width_;
 
     top[0] = (top[0] + belowTop[1] + belowTop[0] + top[1]) / 4;
@@ -80,10 +80,10 @@ void Smoothing::smoothEdgeRows(std::int32_t* measure) const noexcept
     bottom[last] = (aboveBottom[last] + bottom[last - 1] + aboveBottom[last - 1] + bottom[last]) / 4;
 }
 
-bool Smoothing::smoothEdgeColumns(std::int32_t* measure, const std::atomic<std::int32_t>& runFlag) const noexcept
+bool Smoothing::smoothEdgeColumns(std::int32_t* weights, const std::atomic<std::int32_t>& runFlag) const noexcept
 {
     const std::int32_t w = width_;
-    std::int32_t* row = measure + w;
+    std::int32_t* row = weights + w;
     for (std::int32_t y = 1; y < height_; ++y, row += w) {
         if (runFlag.load(std::memory_order_relaxed) == 0)
             return false;

@@ -1,4 +1,4 @@
-// One pass of the 3 x 3 mean that smooths the focus measure.
+// One pass of the 3 x 3 mean that smooths the weights of an image.
 #pragma once
 
 #include "fusion/zeroed_array.h"
@@ -14,19 +14,19 @@ namespace tesmor {
 // All sums are 32-bit, all divisions truncate.
 class Smoothing {
 public:
-    // width, height: of the measure, at least 2.
+    // width, height: of the image, at least 2.
     Smoothing(std::int32_t width, std::int32_t height) noexcept;
 
     // Whether the three row buffers could be obtained.
     bool ready() const noexcept;
 
-    // measure: height + 2 rows of width values, the last two of them 0. False when `runFlag` fell to 0 meanwhile.
-    bool run(std::int32_t* measure, const std::atomic<std::int32_t>& runFlag) noexcept;
+    // weights: height + 2 rows of width values, the last two of them 0. False when `runFlag` fell to 0 meanwhile.
+    bool run(std::int32_t* weights, const std::atomic<std::int32_t>& runFlag) noexcept;
 
 private:
-    void smoothInterior(std::int32_t* measure) noexcept;
-    void smoothEdgeRows(std::int32_t* measure) const noexcept;
-    bool smoothEdgeColumns(std::int32_t* measure, const std::atomic<std::int32_t>& runFlag) const noexcept;
+    void smoothInterior(std::int32_t* weights) noexcept;
+    void smoothEdgeRows(std::int32_t* weights) const noexcept;
+    bool smoothEdgeColumns(std::int32_t* weights, const std::atomic<std::int32_t>& runFlag) const noexcept;
 
     std::int32_t width_;
     std::int32_t height_;

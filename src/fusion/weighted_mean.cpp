@@ -6,14 +6,14 @@ namespace tesmor {
 
 namespace {
 
-// A measure of 0 weighs 1, so that every image counts everywhere. Without __restrict there are too many pairs of arrays
+// A weight of 0 counts as 1, so that every image counts everywhere. Without __restrict there are too many pairs of arrays
 // to tell apart for vector code.
-TESMOR_CPU_CLONES void addWeighted(const std::uint8_t* row, const std::int32_t* measure, std::size_t width,
+TESMOR_CPU_CLONES void addWeighted(const std::uint8_t* row, const std::int32_t* weights, std::size_t width,
                                    std::int32_t* __restrict weightSum, float* __restrict blue, float* __restrict green,
                                    float* __restrict red) noexcept
 {
     for (std::size_t x = 0; x < width; ++x) {
-        const std::int32_t weight = measure[x] == 0 ? 1 : measure[x];
+        const std::int32_t weight = weights[x] == 0 ? 1 : weights[x];
         weightSum[x] += weight;
         blue[x] += static_cast<float>(compressHighlight(row[3 * x]) * weight);
         green[x] += static_cast<float>(compressHighlight(row[3 * x + 1]) * weight);
@@ -41,10 +41,10 @@ bool WeightedMean::ready() const noexcept
     return weightSum_ && sums_[0] && sums_[1] && sums_[2];
 }
 
-void WeightedMean::addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* measure) noexcept
+void WeightedMean::addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* weights) noexcept
 {
     const std::size_t first = static_cast<std::size_t>(layout_.width) * static_cast<std::size_t>(y);
-    addWeighted(imageRow, measure, static_cast<std::size_t>(layout_.width), weightSum_.get() + first,
+    addWeighted(imageRow, weights, static_cast<std::size_t>(layout_.width), weightSum_.get() + first,
                 sums_[0].get() + first, sums_[1].get() + first, sums_[2].get() + first);
 }
 

@@ -22,8 +22,8 @@ public:
     // Whether all buffers could be obtained.
     bool ready() const noexcept;
 
-    // Adds row y of an image, weighted with its measure, from 0 to 195075 a pixel. Every pixel has at least weight 1.
-    void addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* measure) noexcept;
+    // Adds row y of an image, with the weights of its pixels, 0 to 195075; 0 counts as 1.
+    void addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* weights) noexcept;
 
     // Turns the sums into means; no row can be added after it. Without any image every mean is not a number.
     void normalise() noexcept;

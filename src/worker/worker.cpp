@@ -42,8 +42,8 @@ void runStack(const CommandBlock& block)
 std::int32_t fuseAtIdlePriority(const CommandBlock& block)
 {
     platform::IdlePriority idlePriority;
-    return fuseImages(block.images.data(), block.imageCount, block.width, block.height, block.output,
-                      block.frameCallback, block.context);
+    return fuseImages(block.images.data(), block.imageCount, block.width, block.height, block.output, library.runFlag,
+                      [&block](std::int32_t percent) { block.frameCallback(nullptr, 0, 0, block.context, percent); });
 }
 
 void runFusion(const CommandBlock& block)

@@ -1,11 +1,10 @@
 #include "fusion/fuse_images.h"
 
 #include "fusion/plain_fusion.h"
-#include "session/result_codes.h"
-#include "support/call_recorder.h"
-#include "support/library_test.h"
+#include "tesmor.h"
 
 #include <cstring>
+#include <gtest/gtest.h>
 #include <random>
 
 namespace tesmor::test {
@@ -14,28 +13,29 @@ namespace {
 
 constexpr std::uint8_t UNTOUCHED = 0xA5;
 
-class Fusion : public LibraryTest {
-protected:
-    Fusion()
-    {
-        library.runFlag = 1;
-    }
+using Percents = std::vector<std::int32_t>;
 
+class Fusion : public ::testing::Test {
+protected:
     std::int32_t fuse(const std::vector<PlainImage>& images, int width, int height)
     {
         std::vector<const std::uint8_t*> pointers;
         for (const PlainImage& image : images)
             pointers.push_back(image.bytes.data());
         output.assign(PlainImage(width, height).bytes.size(), UNTOUCHED);
+        percents.clear();
         return fuseImages(pointers.data(), pointers.size(), static_cast<std::uint32_t>(width),
-                          static_cast<std::uint32_t>(height), output.data(), CallRecorder::onFrame, &recorder);
+                          static_cast<std::uint32_t>(height), output.data(), runFlag, [this](std::int32_t percent) {
+                              percents.push_back(percent);
+                              runFlag = percents.size() != abortAt;
+                          });
     }
 
     // The output as an image, after a look at its padding.
     PlainImage fused(const std::vector<PlainImage>& images)
     {
         PlainImage image(images.front().width, images.front().height);
-        EXPECT_EQ(fuse(images, image.width, image.height), SUCCESS);
+        EXPECT_EQ(fuse(images, image.width, image.height), TESMOR_SUCCESS);
         for (int y = 0; y < image.height; ++y) {
             const auto* row = &output[static_cast<std::size_t>(y * image.stride)];
             std::memcpy(&image.bytes[static_cast<std::size_t>(y * image.stride)], row,
@@ -46,7 +46,9 @@ protected:
         return image;
     }
 
-    CallRecorder recorder;
+    std::atomic<std::int32_t> runFlag{1};
+    std::size_t abortAt = 0; // that many progress calls
+    Percents percents;
     std::vector<std::uint8_t> output;
 };
 
@@ -80,20 +82,17 @@ TEST_F(Fusion, EqualsThePlainOneAtAnySize)
 
 TEST_F(Fusion, ReportsItsProgress)
 {
-    fused(seededStack(8, 8, 1));
-    EXPECT_EQ(recorder.calls(), (std::vector{report(14), report(28), report(42), report(57), report(100)}));
-    CallRecorder second;
-    const PlainImage image(8, 8);
-    const std::uint8_t* const images[] = {image.bytes.data(), image.bytes.data()};
-    fuseImages(images, 2, 8, 8, output.data(), CallRecorder::onFrame, &second);
-    EXPECT_EQ(second.calls(), (std::vector{report(10), report(20), report(30), report(40), report(50), report(60),
-                                           report(70), report(100)}));
+    const PlainImage image = seededStack(8, 8, 1).front();
+    fused({image});
+    EXPECT_EQ(percents, (Percents{14, 28, 42, 57, 100}));
+    fused({image, image});
+    EXPECT_EQ(percents, (Percents{10, 20, 30, 40, 50, 60, 70, 100}));
 }
 
 TEST_F(Fusion, OfNoImagesIsBlack)
 {
-    EXPECT_EQ(fuse({}, 3, 4), SUCCESS);
-    EXPECT_EQ(recorder.calls(), (std::vector{report(25), report(100)}));
+    EXPECT_EQ(fuse({}, 3, 4), TESMOR_SUCCESS);
+    EXPECT_EQ(percents, (Percents{25, 100}));
     for (int y = 0; y < 4; ++y) {
         const std::vector<std::uint8_t> row(output.begin() + y * 12, output.begin() + (y + 1) * 12);
         EXPECT_EQ(row, (std::vector<std::uint8_t>{0, 0, 0, 0, 0, 0, 0, 0, 0, UNTOUCHED, UNTOUCHED, UNTOUCHED}));
@@ -108,9 +107,9 @@ TEST_F(Fusion, OfOneImageTwiceIsThatOfOne)
 
 TEST_F(Fusion, LeavesTheOutputAloneWhenItIsAborted)
 {
-    recorder.then = [this](const Call&) { library.runFlag = recorder.calls().size() < 6; };
-    EXPECT_EQ(fuse(seededStack(16, 16, 2), 16, 16), ABORTED);
-    EXPECT_EQ(recorder.calls().size(), 6u);
+    abortAt = 6;
+    EXPECT_EQ(fuse(seededStack(16, 16, 2), 16, 16), TESMOR_ABORTED);
+    EXPECT_EQ(percents.size(), 6u);
     EXPECT_EQ(output, std::vector<std::uint8_t>(output.size(), UNTOUCHED));
 }
 
@@ -127,8 +126,8 @@ TEST_F(Fusion, RefusesSizesThatItCannotIndex)
     const std::pair<std::uint32_t, std::uint32_t> sizes[] = {
         {1, 5}, {5, 1}, {0, 0}, {100'000, 100'000}, {0x80000000, 2}, {2, 0xFFFFFFFF}};
     for (const auto& [width, height] : sizes)
-        EXPECT_EQ(fuseImages(nullptr, 0, width, height, nullptr, CallRecorder::onFrame, &recorder), NO_MEMORY);
-    EXPECT_TRUE(recorder.calls().empty());
+        EXPECT_EQ(fuseImages(nullptr, 0, width, height, nullptr, runFlag, [](std::int32_t) { FAIL(); }),
+                  TESMOR_NO_MEMORY);
 }
 
 } // namespace

@@ -8,14 +8,14 @@ namespace {
 
 using Values = std::vector<std::int32_t>;
 
-Values smoothed(Values measure, int width, int height)
+Values smoothed(Values weights, int width, int height)
 {
     const std::atomic<std::int32_t> runFlag{1};
-    measure.resize(static_cast<std::size_t>(width * (height + 2)));
-    EXPECT_TRUE(Smoothing(width, height).run(measure.data(), runFlag));
-    EXPECT_EQ(Values(measure.end() - 2 * width, measure.end()), Values(static_cast<std::size_t>(2 * width)));
-    measure.resize(static_cast<std::size_t>(width * height));
-    return measure;
+    weights.resize(static_cast<std::size_t>(width * (height + 2)));
+    EXPECT_TRUE(Smoothing(width, height).run(weights.data(), runFlag));
+    EXPECT_EQ(Values(weights.end() - 2 * width, weights.end()), Values(static_cast<std::size_t>(2 * width)));
+    weights.resize(static_cast<std::size_t>(width * height));
+    return weights;
 }
 
 TEST(Smoothing, RunsInTheStatedOrder)

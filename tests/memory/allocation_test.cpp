@@ -40,13 +40,10 @@ protected:
     {
         const std::uint8_t* const images[] = {image.data(), image.data()};
         fftw_cleanup();
-        return fuseImages(images, 2, side, side, output.data(), onFrame, this);
+        return fuseImages(images, 2, side, side, output.data(), runFlag, [this](std::int32_t) { ++callCount; });
     }
 
-    static void onFrame(const std::uint8_t*, std::int32_t, std::int32_t, void* context, std::int32_t)
-    {
-        ++static_cast<Allocations*>(context)->callCount;
-    }
+    const std::atomic<std::int32_t> runFlag{1};
 
     std::uint32_t side = 0;
     std::vector<std::uint8_t> image;

@@ -1,18 +1,18 @@
-#include "fusion/focus_weight.h"
+#include "fusion/pixel_weight.h"
 
 #include "fusion/cpu_clones.h"
 
 namespace tesmor {
 
-TESMOR_CPU_CLONES void addFocusTerms(const std::uint8_t* original, const std::uint8_t* sharpened, std::int32_t width,
-                                     std::int32_t* measure) noexcept
+TESMOR_CPU_CLONES void addWeightTerms(const std::uint8_t* original, const std::uint8_t* sharpened, std::int32_t width,
+                                      std::int32_t* weights) noexcept
 {
     constexpr std::int32_t noiseFloor = 4;
     for (std::int32_t x = 0; x < width; ++x) {
         const std::int32_t value = original[3 * x];
         const std::int32_t difference = value - sharpened[x];
         const std::int32_t term = difference * (difference - value / 64);
-        measure[x] += term < noiseFloor ? 0 : term;
+        weights[x] += term < noiseFloor ? 0 : term;
     }
 }
 
