@@ -1,0 +1,36 @@
+# Sourced by what tries things on a Debian 12 that has nothing: an empty one in the folder $debian, which goes at the end.
+# Needs root and the network.
+
+make_debian() {
+    [[ $(id -u) -eq 0 ]] || { echo "${0##*/}: an empty Debian is made by root only" >&2; exit 1; }
+    "$(dirname "${BASH_SOURCE[0]}")/setup" packages
+    debian=$(mktemp -d)
+    trap 'rm -rf --one-file-system "$debian" "$debian.log"' EXIT
+    chmod 755 "$debian"
+    debootstrap --variant=minbase bookworm "$debian" >"$debian.log" || { tail "$debian.log" >&2; exit 1; }
+    cp /etc/resolv.conf "$debian/etc/"
+    echo debian >"$debian/etc/hostname"
+    printf '127.0.0.1 localhost\n127.0.1.1 debian\n' >"$debian/etc/hosts"
+}
+
+# Runs a command there as root: in_debian [--offline] COMMAND...
+# Nothing of this machine is there but its kernel and, unless offline, its network. What it mounts and what it leaves
+# running end with it, also when it fails or is killed: they live in namespaces of their own.
+in_debian() {
+    local apart=(--mount --uts --ipc --pid --fork --kill-child)
+    if [[ $1 == --offline ]]; then
+        apart+=(--net)
+        shift
+    fi
+    # A mere chroot could not make user namespaces, which ./test wants.
+    env -i PATH="$PATH" unshare "${apart[@]}" bash -euc '
+        mount --bind "$0" "$0"
+        cd "$0"
+        mount -t proc proc proc
+        echo debian >proc/sys/kernel/hostname
+        mount -t tmpfs tmpfs dev/shm
+        mount -t devpts -o newinstance,ptmxmode=666 devpts dev/pts
+        pivot_root . mnt
+        umount -l /mnt
+        exec env PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=/root "$@"' "$debian" "$@"
+}
