@@ -1,5 +1,7 @@
 #include "microscope/camera/best_focus.h"
 
+#include "protocol/central_region.h"
+
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -7,21 +9,6 @@
 namespace tesmor::microscope {
 
 namespace {
-
-struct Region {
-    std::int32_t left;
-    std::int32_t top;
-    std::int32_t width;
-    std::int32_t height;
-};
-
-Region middleOf(const Scene& scene, std::uint16_t magnification)
-{
-    const std::int32_t divisor = magnification >= 40 ? 2 : 4;
-    const std::int32_t width = scene.width() / divisor;
-    const std::int32_t height = scene.height() / divisor;
-    return {(scene.width() - width) / 2, (scene.height() - height) / 2, width, height};
-}
 
 // Calls use(row, brightness of that row's part in the region).
 template <class Use>
@@ -84,7 +71,7 @@ double cheapest(double low, double high, double step, Cost cost)
 
 double findBestFocus(const Optics& optics, const Specimen& specimen, const Objective& objective)
 {
-    const Region region = middleOf(optics, objective.magnification);
+    const Region region = centralRegion(optics.width(), optics.height(), objective.magnification);
     const auto cost = [&](double position) { return distanceFromSharp(optics, region, position); };
     const auto [lowest, highest] = std::ranges::minmax(specimen.heightMap);
     const double coarse = objective.depthOfFieldSteps() / 4;
@@ -94,7 +81,7 @@ double findBestFocus(const Optics& optics, const Specimen& specimen, const Objec
 
 double findBestPlane(const PhotoScene& scene, std::uint16_t magnification)
 {
-    const Region region = middleOf(scene, magnification);
+    const Region region = centralRegion(scene.width(), scene.height(), magnification);
     const auto plane = cheapest(0, static_cast<double>(scene.planeCount() - 1), 1, [&](double candidate) {
         return -varianceOf(scene, region, scene.planePosition(static_cast<std::size_t>(candidate)));
     });

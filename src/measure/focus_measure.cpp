@@ -1,28 +1,10 @@
 #include "measure/focus_measure.h"
 
+#include "protocol/central_region.h"
+
 namespace tesmor {
 
 namespace {
-
-struct Region {
-    std::int32_t left;
-    std::int32_t top;
-    std::int32_t width;
-    std::int32_t height;
-};
-
-bool isHighMagnification(std::uint16_t magnification) noexcept
-{
-    return magnification == 40 || magnification == 60 || magnification == 80 || magnification == 100;
-}
-
-Region centralRegion(std::int32_t width, std::int32_t height, std::uint16_t magnification) noexcept
-{
-    const std::int32_t divisor = isHighMagnification(magnification) ? 2 : 4;
-    const std::int32_t regionWidth = width / divisor;
-    const std::int32_t regionHeight = height / divisor;
-    return {(width - regionWidth) / 2, (height - regionHeight) / 2, regionWidth, regionHeight};
-}
 
 // By the running bit count of the rows above: where the width is no multiple of 4, rows drift against their padding, but
 // never past it.

@@ -7,8 +7,8 @@
 
 namespace tesmor {
 
-// The sum (not the mean) of squared deviations of luminance from its mean over the central region of the frame: half of
-// each dimension for the magnifications 40, 60, 80 and 100, a quarter for every other. 0.0 when the region is empty.
+// The sum (not the mean) of squared deviations of luminance from its mean over the central region of the frame (see
+// protocol/central_region.h). 0.0 when the region is empty.
 //   image          frame as tesmor.h lays it out; read only
 //   width, height  pixels
 // Rows are found by the running bit count of all rows above them, which drifts against the padded rows where the width
