@@ -2,9 +2,8 @@
 // Input: the subcommand and its arguments, one a line; a slash becomes an x, so that nothing outside the folder is
 // touched.
 #include "fuzz/fuzz_input.h"
-#include "tesmor/fuse_command.h"
-#include "tesmor/move_command.h"
-#include "tesmor/subcommand.h"
+#include "terminal/errors.h"
+#include "tesmor/subcommands.h"
 
 #include <QImage>
 #include <QTemporaryDir>

@@ -1,7 +1,7 @@
 // Any file in place of an image. The decoders are Qt's; ours is what is asked of them, and what is made of their answer.
 #include "fuzz/fuzz_input.h"
 #include "images/image_files.h"
-#include "tesmor/subcommand.h"
+#include "terminal/errors.h"
 
 #include <QImage>
 #include <QSize>

@@ -1,10 +1,20 @@
-#include "host/memory.h"
+#include "host/fusion_memory.h"
+
+#include "terminal/text.h"
 
 #include <QByteArray>
 #include <QFile>
 
+#include <optional>
+
 namespace tesmor::apps {
 
+namespace {
+
+constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 64;
+constexpr std::uint64_t IMAGE_BYTES_PER_PIXEL = 3;
+
+// Bytes; none where the system does not tell.
 std::optional<std::uint64_t> availableMemory()
 {
     QFile file("/proc/meminfo");
@@ -16,6 +26,28 @@ std::optional<std::uint64_t> availableMemory()
             return line.simplified().split(' ').value(1).toULongLong() * 1024; // the system counts in kB
     }
     return std::nullopt;
+}
+
+} // namespace
+
+std::uint64_t fusionMemory(QSize size, std::size_t imageCount)
+{
+    const auto pixels = static_cast<std::uint64_t>(size.width()) * static_cast<std::uint64_t>(size.height());
+    return pixels * (FUSION_BYTES_PER_PIXEL + IMAGE_BYTES_PER_PIXEL * (imageCount + 1));
+}
+
+void requireFusionMemory(std::uint64_t needed)
+{
+    const auto available = availableMemory();
+    if (available && needed > *available)
+        throw fusionMemoryError(needed);
+}
+
+UserError fusionMemoryError(std::uint64_t needed)
+{
+    return UserError(
+        QString("not enough memory, about %1 are needed; close other programs, or merge fewer or smaller images")
+            .arg(memoryText(needed)));
 }
 
 } // namespace tesmor::apps

@@ -1,7 +1,7 @@
 #include "host/library_session.h"
 
+#include "terminal/errors.h"
 #include "tesmor.h"
-#include "tesmor/subcommand.h"
 
 namespace tesmor::apps {
 

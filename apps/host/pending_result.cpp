@@ -1,4 +1,4 @@
-#include "host/library_command.h"
+#include "host/pending_result.h"
 
 #include "terminal/interrupt.h"
 #include "tesmor.h"
@@ -42,25 +42,25 @@ private:
 
 } // namespace
 
-void CommandResult::set(std::int32_t result)
+void PendingResult::set(std::int32_t result)
 {
     const std::lock_guard lock(mutex_);
     result_ = result;
     changed_.notify_one();
 }
 
-std::optional<std::int32_t> CommandResult::waitATick()
+std::optional<std::int32_t> PendingResult::waitATick()
 {
     std::unique_lock lock(mutex_);
     changed_.wait_for(lock, TICK, [this] { return result_.has_value(); });
     return result_;
 }
 
-std::int32_t waitForResult(CommandResult& result, const std::function<void()>& eachTick)
+std::int32_t PendingResult::wait(const std::function<void()>& eachTick)
 {
     Cancellation cancellation;
     while (true) {
-        if (const auto code = result.waitATick())
+        if (const auto code = waitATick())
             return interrupted() ? TESMOR_ABORTED : *code;
         eachTick();
         if (interrupted())

@@ -1,8 +1,8 @@
 #include "images/image_files.h"
 
 #include "images/decoder_messages.h"
+#include "terminal/errors.h"
 #include "terminal/text.h"
-#include "tesmor/subcommand.h"
 
 #include <QFileInfo>
 #include <QImageReader>

@@ -1,9 +1,9 @@
 #include "images/image_series.h"
 
 #include "images/image_files.h"
+#include "terminal/errors.h"
 #include "terminal/progress_bar.h"
 #include "terminal/text.h"
-#include "tesmor/subcommand.h"
 
 #include <algorithm>
 

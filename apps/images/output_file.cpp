@@ -1,7 +1,7 @@
 #include "images/output_file.h"
 
+#include "terminal/errors.h"
 #include "terminal/interrupt.h"
-#include "tesmor/subcommand.h"
 
 #include <QBuffer>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "terminal/command_line.h"
 
-#include "tesmor/subcommand.h"
+#include "terminal/errors.h"
 
 #include <QJsonDocument>
 
@@ -28,6 +28,12 @@ bool parseCommandLine(QCommandLineParser& parser, const QStringList& arguments)
     if (parser.isSet("help"))
         std::fputs(qPrintable(parser.helpText()), stdout);
     return !parser.isSet("help");
+}
+
+void refuseArguments(const QCommandLineParser& parser)
+{
+    if (!parser.positionalArguments().isEmpty())
+        throw UsageError(QString("unexpected argument '%1'").arg(parser.positionalArguments().first()));
 }
 
 std::int64_t integerOf(const QString& what, const QString& text, std::int64_t least, std::int64_t most)

@@ -1,4 +1,4 @@
-// What a subcommand of `tesmor` is, and how it fails. main.cpp has the table of them.
+// How a program of ours fails: its exit status, and the one line that says why.
 #pragma once
 
 #include <QString>
@@ -6,14 +6,6 @@
 #include <stdexcept>
 
 namespace tesmor::apps {
-
-struct Subcommand {
-    const char* name;
-    const char* summary; // one line for `tesmor --help`
-    // argv[0] is "tesmor NAME". Creates the Qt application that it needs. Returns the exit status, or throws UsageError,
-    // UserError, Interrupted or std::bad_alloc.
-    int (*run)(int argc, char** argv);
-};
 
 constexpr int STATUS_DONE = 0;
 constexpr int STATUS_FAILED = 1;

@@ -1,6 +1,6 @@
 #include "terminal/interrupt.h"
 
-#include "tesmor/subcommand.h"
+#include "terminal/errors.h"
 
 #include <atomic>
 #include <csignal>

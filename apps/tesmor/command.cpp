@@ -1,12 +1,9 @@
-// The command `tesmor`: finds the subcommand, runs it, and turns its failure into a line and an exit status.
+#include "tesmor/command.h"
+
+#include "terminal/errors.h"
 #include "terminal/interrupt.h"
 #include "tesmor.h"
-#include "tesmor/demo_command.h"
-#include "tesmor/devices_command.h"
-#include "tesmor/fuse_command.h"
-#include "tesmor/microscope_command.h"
-#include "tesmor/move_command.h"
-#include "tesmor/subcommand.h"
+#include "tesmor/subcommands.h"
 
 #include <QtGlobal>
 
@@ -17,6 +14,12 @@
 namespace tesmor::apps {
 
 namespace {
+
+struct Subcommand {
+    const char* name;
+    const char* summary; // one line for `tesmor --help`
+    int (*run)(int argc, char** argv);
+};
 
 constexpr Subcommand SUBCOMMANDS[] = {
     {"demo", "show a whole session on a simulated microscope; needs no camera", runDemo},
@@ -53,6 +56,7 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv)
 {
     std::string title = std::string("tesmor ") + subcommand.name;
     argv[0] = title.data();
+    installInterruptHandler();
     try {
         return subcommand.run(argc, argv);
     } catch (const UsageError& error) {
@@ -69,8 +73,18 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv)
     return STATUS_FAILED;
 }
 
-int run(int argc, char** argv)
+// What Qt has to say of a file or of the locale would stand between our own lines.
+void dropMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qPrintable(message));
+}
+
+} // namespace
+
+int runCommand(int argc, char** argv)
+{
+    qInstallMessageHandler(dropMessage);
     const std::string name = argc > 1 ? argv[1] : "";
     if (name == "--help" || name == "-h") {
         printHelp();
@@ -89,19 +103,4 @@ int run(int argc, char** argv)
     return STATUS_USAGE;
 }
 
-// What Qt has to say of a file or of the locale would stand between our own lines.
-void dropMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
-{
-    if (type == QtCriticalMsg || type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", qPrintable(message));
-}
-
-} // namespace
-
 } // namespace tesmor::apps
-
-int main(int argc, char** argv)
-{
-    qInstallMessageHandler(tesmor::apps::dropMessage);
-    return tesmor::apps::run(argc, argv);
-}

@@ -1,6 +1,6 @@
-#include "tesmor/demo_command.h"
+#include "tesmor/subcommands.h"
 
-#include "terminal/interrupt.h"
+#include "terminal/errors.h"
 #include "terminal/text.h"
 #include "tesmor/demo/demo_folder.h"
 #include "tesmor/demo/demo_instrument.h"
@@ -8,7 +8,6 @@
 #include "tesmor/demo/demo_pictures.h"
 #include "tesmor/demo/demo_run.h"
 #include "tesmor/demo/demo_summary.h"
-#include "tesmor/subcommand.h"
 
 #include <QApplication>
 
@@ -50,7 +49,6 @@ int runDemo(int argc, char** argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen"); // charts are drawn, but no window is opened
     const QApplication application(argc, argv);
-    installInterruptHandler();
     const auto options = parseDemoOptions(QCoreApplication::arguments());
     return options ? demonstrate(*options) : STATUS_DONE;
 }

@@ -1,9 +1,8 @@
-#include "tesmor/devices_command.h"
+#include "tesmor/subcommands.h"
 
 #include "host/drive_units.h"
 #include "terminal/command_line.h"
-#include "terminal/interrupt.h"
-#include "tesmor/subcommand.h"
+#include "terminal/errors.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -76,15 +75,13 @@ void printUnitsAsJson(const std::vector<DriveUnit>& units)
 int runDevices(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    installInterruptHandler();
     QCommandLineParser parser;
     parser.setApplicationDescription(DESCRIPTION);
     parser.addOption({"json", "Answer with one line of JSON: {\"units\":[{\"unit\":0,\"state\":\"answers\"}]}. "
                               "The states: answers, busy, foreign, silent."});
     if (!parseCommandLine(parser, QCoreApplication::arguments()))
         return STATUS_DONE;
-    if (!parser.positionalArguments().isEmpty())
-        throw UsageError(QString("'%1' is too much; it takes no arguments").arg(parser.positionalArguments().first()));
+    refuseArguments(parser);
 
     const std::vector<DriveUnit> units = findDriveUnits();
     if (parser.isSet("json"))

@@ -1,30 +1,27 @@
-#include "tesmor/fuse_command.h"
+#include "tesmor/subcommands.h"
 
 #include "host/fusion_job.h"
+#include "host/fusion_memory.h"
 #include "host/library_session.h"
 #include "images/image_series.h"
 #include "images/output_file.h"
 #include "terminal/command_line.h"
+#include "terminal/errors.h"
 #include "terminal/interrupt.h"
 #include "terminal/progress_bar.h"
 #include "terminal/text.h"
 #include "tesmor.h"
-#include "tesmor/subcommand.h"
 
 #include <QColorSpace>
 #include <QCoreApplication>
 #include <QFileInfo>
 
-#include <cstdio>
 #include <optional>
 #include <vector>
 
 namespace tesmor::apps {
 
 namespace {
-
-constexpr int MOST_IMAGES = 128;
-constexpr int LEAST_SIDE = 2; // pixels
 
 constexpr const char* DESCRIPTION =
     "Merges photographs of one field, taken at different focus, into one image that is sharp throughout.\n\n"
@@ -66,9 +63,9 @@ std::optional<Request> parseArguments(const QStringList& arguments)
 // The size that all images share.
 QSize checkImages(const QStringList& files)
 {
-    if (files.size() > MOST_IMAGES)
-        throw UserError(QString("%1 images are too many; name at most %2").arg(files.size()).arg(MOST_IMAGES));
-    return readCommonSize(files, LEAST_SIDE);
+    if (files.size() > MOST_FUSED_IMAGES)
+        throw UserError(QString("%1 images are too many; name at most %2").arg(files.size()).arg(MOST_FUSED_IMAGES));
+    return readCommonSize(files, LEAST_FUSED_SIDE);
 }
 
 void checkOutput(const Request& request, QSize size)
@@ -83,10 +80,8 @@ void checkOutput(const Request& request, QSize size)
 
 void say(const Request& request, const QString& text)
 {
-    if (request.quiet)
-        return;
-    std::printf("%s\n", qPrintable(text));
-    std::fflush(stdout);
+    if (!request.quiet)
+        printLine(text);
 }
 
 // Keeps the scale and the colour profile of the first image.
@@ -120,7 +115,7 @@ int fuse(const Request& request)
     {
         const LibrarySession session;
         ProgressBar bar("Merging", style);
-        result = mergeImages(images, output, bar);
+        result = mergeImages(images, output, [&](int percent) { bar.show(percent); });
     }
     if (result == TESMOR_NO_MEMORY)
         throw fusionMemoryError(memory);
@@ -143,7 +138,6 @@ int fuse(const Request& request)
 int runFuse(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    installInterruptHandler();
     const auto request = parseArguments(QCoreApplication::arguments());
     return request ? fuse(*request) : STATUS_DONE;
 }

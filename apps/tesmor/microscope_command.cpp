@@ -1,9 +1,9 @@
-#include "tesmor/microscope_command.h"
+#include "tesmor/subcommands.h"
 
 #include "microscope/virtual_microscope.h"
 #include "terminal/command_line.h"
+#include "terminal/errors.h"
 #include "terminal/interrupt.h"
-#include "tesmor/subcommand.h"
 
 #include <QCoreApplication>
 #include <QRegularExpression>
@@ -131,14 +131,12 @@ int run(VirtualMicroscope& microscope)
 int runMicroscope(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    installInterruptHandler();
     QCommandLineParser parser;
     parser.setApplicationDescription(DESCRIPTION);
     addOptions(parser);
     if (!parseCommandLine(parser, QCoreApplication::arguments()))
         return STATUS_DONE;
-    if (!parser.positionalArguments().isEmpty())
-        throw UsageError(QString("'%1' is too much; it takes options only").arg(parser.positionalArguments().first()));
+    refuseArguments(parser);
     const microscope::Settings settings = settingsOf(parser);
     if (isatty(STDOUT_FILENO) != 0)
         throw UserError("the frames are not for a terminal; put | ./autofocus behind it, or > /dev/null");

@@ -1,11 +1,11 @@
-#include "tesmor/move_command.h"
+#include "tesmor/subcommands.h"
 
+#include "host/focus_units.h"
 #include "host/library_session.h"
 #include "microscope/virtual_microscope.h"
 #include "terminal/command_line.h"
-#include "terminal/interrupt.h"
+#include "terminal/errors.h"
 #include "tesmor.h"
-#include "tesmor/subcommand.h"
 
 #include <QCoreApplication>
 
@@ -20,8 +20,6 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr int STEPS_PER_TURN = 12800;
-constexpr double DEGREES_PER_STEP = 360.0 / STEPS_PER_TURN;
 constexpr double MOST_DEGREES = 1843; // what the step count of one move can hold
 
 constexpr const char* DESCRIPTION =
@@ -90,7 +88,6 @@ QString textFor(std::int32_t result, std::int32_t steps)
 int runMove(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    installInterruptHandler();
     QCommandLineParser parser;
     parser.setApplicationDescription(DESCRIPTION);
     parser.addPositionalArgument("ANGLE", "Degrees; positive is forward.");

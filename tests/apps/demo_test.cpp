@@ -107,7 +107,7 @@ TEST_F(DemoTest, SaysWhatIsWrong)
         QString message;
     };
     const std::vector<Case> cases = {
-        {{"extra"}, 2, "extra: is no option"},
+        {{"extra"}, 2, "unexpected argument 'extra'"},
         {{"--magnification", "5"}, 2, "--magnification is '5'; it must be 4, 10, 20, 40, 60, 80 or 100"},
         {{"--magnification", "4", "--spacing", "328"}, 2, "--spacing is '328'; it must be a number from 1 to 327"},
         {{"--offset", "far"}, 2, "--offset is 'far'"},

@@ -1,8 +1,8 @@
 #include "tesmor/demo/demo_folder.h"
 
 #include "images/output_file.h"
+#include "terminal/errors.h"
 #include "terminal/interrupt.h"
-#include "tesmor/subcommand.h"
 
 #include <QDir>
 #include <QFileInfo>

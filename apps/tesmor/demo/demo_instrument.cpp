@@ -1,8 +1,8 @@
 #include "tesmor/demo/demo_instrument.h"
 
-#include "host/frame_watch.h"
-#include "images/plane_folder.h"
+#include "images/frame_image.h"
 #include "terminal/text.h"
+#include "tesmor/demo/plane_folder.h"
 #include "tesmor/demo/stack_plan.h"
 
 #include <algorithm>

@@ -1,7 +1,9 @@
 #include "tesmor/demo/demo_options.h"
 
+#include "host/focus_units.h"
+#include "host/fusion_job.h"
 #include "terminal/command_line.h"
-#include "tesmor/subcommand.h"
+#include "terminal/errors.h"
 
 #include <QCommandLineParser>
 
@@ -9,9 +11,7 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr int MOST_SLICES = 128;
 constexpr int LARGEST_OFFSET = 1'000'000; // motor steps
-constexpr int LARGEST_MOVE = 65535;
 constexpr int LARGEST_SEED = 999'999'999;
 
 constexpr const char* DESCRIPTION =
@@ -34,32 +34,14 @@ std::optional<int> optionalInteger(const QCommandLineParser& parser, const QStri
 std::uint16_t magnification(const QCommandLineParser& parser)
 {
     const QString text = parser.value("magnification");
-    for (const std::uint16_t known : {4, 10, 20, 40, 60, 80, 100}) {
-        if (text == QString::number(known))
-            return known;
+    for (const FocusObjective& objective : FOCUS_OBJECTIVES) {
+        if (text == QString::number(objective.magnification))
+            return objective.magnification;
     }
     throw UsageError(QString("--magnification is '%1'; it must be 4, 10, 20, 40, 60, 80 or 100").arg(text));
 }
 
 } // namespace
-
-int stepsPerUnit(std::uint16_t magnification)
-{
-    switch (magnification) {
-    case 4:
-        return 200;
-    case 10:
-        return 120;
-    case 20:
-        return 96;
-    case 40:
-    case 60:
-    case 100:
-        return 48;
-    default:
-        return 100;
-    }
-}
 
 std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
 {
@@ -81,8 +63,7 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
     });
     if (!parseCommandLine(parser, arguments))
         return std::nullopt;
-    if (!parser.positionalArguments().isEmpty())
-        throw UsageError(parser.positionalArguments().first() + ": is no option");
+    refuseArguments(parser);
     if (parser.value("output").isEmpty())
         throw UsageError("--output: names no folder");
 
@@ -91,7 +72,7 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
     options.magnification = magnification(parser);
     options.seed = static_cast<std::uint64_t>(integerOf("--seed", parser.value("seed"), 0, LARGEST_SEED));
     options.offset = optionalInteger(parser, "offset", -LARGEST_OFFSET, LARGEST_OFFSET);
-    options.slices = optionalInteger(parser, "slices", 1, MOST_SLICES);
+    options.slices = optionalInteger(parser, "slices", 1, MOST_FUSED_IMAGES);
     options.spacing = optionalInteger(parser, "spacing", 1, LARGEST_MOVE / stepsPerUnit(options.magnification));
     if (parser.isSet("planes"))
         options.planes = parser.value("planes");

@@ -19,9 +19,6 @@ struct DemoOptions {
     std::optional<QString> planes;
 };
 
-// Motor steps of a unit of slice spacing, as tesmor_startif has it.
-int stepsPerUnit(std::uint16_t magnification);
-
 // None when the help was asked for, and printed. Throws UsageError.
 std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments);
 

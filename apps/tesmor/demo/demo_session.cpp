@@ -1,11 +1,15 @@
 #include "tesmor/demo/demo_session.h"
 
+#include "host/focus_units.h"
 #include "host/fusion_job.h"
-#include "host/library_command.h"
+#include "host/fusion_memory.h"
+#include "host/pending_result.h"
+#include "images/frame_image.h"
+#include "terminal/errors.h"
 #include "terminal/interrupt.h"
+#include "terminal/progress_bar.h"
 #include "terminal/text.h"
 #include "tesmor.h"
-#include "tesmor/subcommand.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +26,6 @@ using namespace std::chrono_literals;
 constexpr auto FIRST_FRAME_LIMIT = 10s;
 constexpr auto TIME_BETWEEN_LINES = 1s;
 constexpr std::int64_t LONGEST_MOVE = 60000; // steps; a manual move wraps round at 65536
-constexpr double DEGREES_PER_STEP = 360.0 / 12800;
 constexpr int BAR_LENGTH = 20;
 
 void requireSuccess(std::int32_t result, const QString& operation)
@@ -44,12 +47,12 @@ void requireSuccess(std::int32_t result, const QString& operation)
 
 void finish(void* context, std::int32_t result)
 {
-    static_cast<CommandResult*>(context)->set(result);
+    static_cast<PendingResult*>(context)->set(result);
 }
 
 // The slices as they come in.
 struct StackReports {
-    CommandResult result;
+    PendingResult result;
     std::mutex mutex;
     std::vector<QImage> slices;
 
@@ -124,17 +127,17 @@ FocusTrace DemoSession::focus()
         };
         LiveLine line(style_, TIME_BETWEEN_LINES);
         double highest = 1e-9; // grey levels; a black view is not divided by
-        CommandResult result;
+        PendingResult result;
         tesmor_start(magnification_, finish, &result);
-        const std::int32_t code = waitForResult(result, [&] {
+        const std::int32_t code = result.wait([&] {
             const FocusTrace trace = traceSearch(requests(), {}, start, false);
-            const double sharpness = watch_.last()->sharpness;
-            highest = std::max(highest, sharpness);
+            const double contrast = watch_.last()->contrast;
+            highest = std::max(highest, contrast);
             if (!trace.empty())
                 line.show(QString("Focusing: %1, move %2, %3 %4")
                               .arg(phaseName(trace.back().phase))
                               .arg(trace.size())
-                              .arg(viewText(), barText(sharpness / highest, BAR_LENGTH)));
+                              .arg(viewText(), barText(contrast / highest, BAR_LENGTH)));
         });
         requireSuccess(code, "autofocus");
         return traceSearch(requests(), watch_.frames(), start, true);
@@ -160,9 +163,9 @@ void DemoSession::moveBy(std::int64_t steps, LiveLine& line)
 {
     // The library cuts the angle to whole steps; half a step more is safe from rounding.
     const double angle = (static_cast<double>(steps) + std::copysign(0.5, steps)) * DEGREES_PER_STEP;
-    CommandResult result;
+    PendingResult result;
     tesmor_manual(angle, finish, &result);
-    const std::int32_t code = waitForResult(result, [&] { line.show("Moving: " + viewText()); });
+    const std::int32_t code = result.wait([&] { line.show("Moving: " + viewText()); });
     requireSuccess(code, "manual move");
 }
 
@@ -173,7 +176,7 @@ std::vector<QImage> DemoSession::captureStack(std::uint16_t slices, std::int32_t
         LiveLine line(style_, TIME_BETWEEN_LINES);
         StackReports reports;
         tesmor_startif(magnification_, slices, spacing, StackReports::receive, &reports, 0);
-        const std::int32_t code = waitForResult(reports.result, [&] {
+        const std::int32_t code = reports.result.wait([&] {
             const std::size_t count = reports.count();
             const QString what =
                 count < slices ? QString("slice %1 of %2").arg(count + 1).arg(slices) : QString("moving back");
@@ -195,7 +198,7 @@ QImage DemoSession::merge(const std::vector<QImage>& slices)
         if (fused.isNull())
             throw std::bad_alloc();
         ProgressBar bar("Merging", style_);
-        const std::int32_t code = mergeImages(slices, fused, bar);
+        const std::int32_t code = mergeImages(slices, fused, [&](int percent) { bar.show(percent); });
         if (code == TESMOR_NO_MEMORY)
             throw fusionMemoryError(fusionMemory(fused.size(), slices.size()));
         requireSuccess(code, "fusion");
@@ -212,7 +215,7 @@ std::size_t DemoSession::moveCount() const
 
 QString DemoSession::viewText() const
 {
-    return QString("position %1, sharpness %2").arg(microscope_.position(), 7).arg(watch_.last()->sharpness, 5, 'f', 2);
+    return QString("position %1, contrast %2").arg(microscope_.position(), 7).arg(watch_.last()->contrast, 5, 'f', 2);
 }
 
 } // namespace tesmor::apps

@@ -2,11 +2,11 @@
 // stack, merge it. Shows on the standard output what happens as it happens.
 #pragma once
 
-#include "host/frame_watch.h"
 #include "host/library_session.h"
 #include "microscope/virtual_microscope.h"
 #include "terminal/live_line.h"
 #include "tesmor/demo/focus_trace.h"
+#include "tesmor/demo/frame_watch.h"
 
 #include <QImage>
 #include <QString>

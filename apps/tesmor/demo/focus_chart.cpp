@@ -40,15 +40,15 @@ const PhaseLook LOOKS[] = {
 // One of the two plots.
 class Plot {
 public:
-    Plot(const FocusChart& data, const QString& title, const Range& positions, const Range& sharpness)
-        : data_(data), sharpness_(sharpness), chart_(new QChart),
+    Plot(const FocusChart& data, const QString& title, const Range& positions, const Range& contrast)
+        : data_(data), contrast_(contrast), chart_(new QChart),
           positionAxis_(makeAxis("motor position (steps)", positions)),
-          sharpnessAxis_(makeAxis("sharpness (contrast in the middle, grey levels)", sharpness))
+          contrastAxis_(makeAxis("contrast in the middle of the view (grey levels)", contrast))
     {
         chart_->setTitle(title);
         chart_->setTitleFont(chartFont(13));
         chart_->addAxis(positionAxis_, Qt::AlignBottom);
-        chart_->addAxis(sharpnessAxis_, Qt::AlignLeft);
+        chart_->addAxis(contrastAxis_, Qt::AlignLeft);
         chart_->legend()->setFont(chartFont(11));
         chart_->setAnimationOptions(QChart::NoAnimation);
         chart_->setBackgroundRoundness(0);
@@ -70,7 +70,7 @@ private:
     {
         chart_->addSeries(series);
         series->attachAxis(positionAxis_);
-        series->attachAxis(sharpnessAxis_);
+        series->attachAxis(contrastAxis_);
     }
 
     void hideFromLegend(QAbstractSeries* series)
@@ -85,8 +85,8 @@ private:
         const double right = data_.bestPosition + data_.margin;
         auto* upper = new QLineSeries;
         auto* lower = new QLineSeries;
-        *upper << QPointF(left, sharpness_.high) << QPointF(right, sharpness_.high);
-        *lower << QPointF(left, sharpness_.low) << QPointF(right, sharpness_.low);
+        *upper << QPointF(left, contrast_.high) << QPointF(right, contrast_.high);
+        *lower << QPointF(left, contrast_.low) << QPointF(right, contrast_.low);
         auto* area = new QAreaSeries(upper, lower);
         upper->setParent(area);
         lower->setParent(area);
@@ -99,7 +99,7 @@ private:
     void drawMark(double position, const QString& name, const QPen& pen)
     {
         auto* line = new QLineSeries;
-        *line << QPointF(position, sharpness_.low) << QPointF(position, sharpness_.high);
+        *line << QPointF(position, contrast_.low) << QPointF(position, contrast_.high);
         line->setName(name);
         line->setPen(pen);
         add(line);
@@ -112,7 +112,7 @@ private:
         for (const TraceStep& step : data_.trace) {
             if (step.phase != look.phase || !step.sample)
                 continue;
-            const QPointF point(static_cast<double>(step.position), step.sample->sharpness);
+            const QPointF point(static_cast<double>(step.position), step.sample->contrast);
             line->append(point);
             points->append(point);
         }
@@ -127,13 +127,13 @@ private:
     }
 
     const FocusChart& data_;
-    const Range sharpness_;
+    const Range contrast_;
     QChart* chart_; // these three belong to the scene in the end
     QValueAxis* positionAxis_;
-    QValueAxis* sharpnessAxis_;
+    QValueAxis* contrastAxis_;
 };
 
-// Positions and sharpness of the samples that `use` selects, with the chosen position and, if `withBest`, the true one.
+// Positions and contrast of the samples that `use` selects, with the chosen position and, if `withBest`, the true one.
 template <class Use>
 std::pair<Range, Range> rangesOf(const FocusChart& chart, bool withBest, Use use)
 {
@@ -141,16 +141,16 @@ std::pair<Range, Range> rangesOf(const FocusChart& chart, bool withBest, Use use
     Range positions{chosen - 1, chosen + 1};
     if (withBest)
         positions.include(chart.bestPosition);
-    std::optional<Range> sharpness;
+    std::optional<Range> contrast;
     for (const TraceStep& step : chart.trace) {
         if (!step.sample || !use(step))
             continue;
         positions.include(static_cast<double>(step.position));
-        if (!sharpness)
-            sharpness = Range{step.sample->sharpness, step.sample->sharpness};
-        sharpness->include(step.sample->sharpness);
+        if (!contrast)
+            contrast = Range{step.sample->contrast, step.sample->contrast};
+        contrast->include(step.sample->contrast);
     }
-    const Range found = sharpness.value_or(Range{0, 0});
+    const Range found = contrast.value_or(Range{0, 0});
     return {positions.widened(0.05),
             found.high - found.low > 0.001 ? found.widened(0.08) : Range{found.low - 1, found.high + 1}};
 }
@@ -177,14 +177,14 @@ QImage drawFocusChart(const FocusChart& chart)
     painter.setFont(chartFont(15, true));
     painter.drawText(QRect(0, 8, WIDTH, TITLE_HEIGHT), Qt::AlignCenter, chart.title);
 
-    const auto [positions, sharpness] = rangesOf(chart, true, [](const TraceStep&) { return true; });
+    const auto [positions, contrast] = rangesOf(chart, true, [](const TraceStep&) { return true; });
     const bool isNear = std::abs(static_cast<double>(chart.chosenPosition) - chart.bestPosition) <= chart.margin;
-    const auto [nearPositions, nearSharpness] =
+    const auto [nearPositions, nearContrast] =
         rangesOf(chart, isNear, [](const TraceStep& step) { return step.phase == SearchPhase::FINE; });
     const int plotHeight = HEIGHT - TITLE_HEIGHT;
-    renderChart(Plot(chart, "The whole search", positions, sharpness).chart(), painter,
+    renderChart(Plot(chart, "The whole search", positions, contrast).chart(), painter,
                 QRectF(0, TITLE_HEIGHT, LEFT_WIDTH, plotHeight));
-    const Plot enlarged(chart, "The fine sweep, enlarged", nearPositions, nearSharpness);
+    const Plot enlarged(chart, "The fine sweep, enlarged", nearPositions, nearContrast);
     enlarged.chart()->legend()->hide();
     renderChart(enlarged.chart(), painter, QRectF(LEFT_WIDTH, TITLE_HEIGHT, WIDTH - LEFT_WIDTH, plotHeight));
     return picture;

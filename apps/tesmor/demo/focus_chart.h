@@ -1,4 +1,4 @@
-// The picture of an autofocus: sharpness over motor position.
+// The picture of an autofocus: contrast over motor position.
 #pragma once
 
 #include "tesmor/demo/focus_trace.h"

@@ -1,19 +1,13 @@
 #include "tesmor/demo/focus_trace.h"
 
+#include "microscope/drive/drive_command.h"
+
 #include <algorithm>
 #include <cstdlib>
 
 namespace tesmor::apps {
 
 namespace {
-
-constexpr std::uint32_t DRIVE_REQUEST = 0x222059; // control code
-constexpr std::size_t REQUEST_LENGTH = 10;
-constexpr std::size_t REQUEST_CODE = 4; // byte
-constexpr std::size_t DIRECTION_HIGH = 7;
-constexpr std::size_t STEPS_LOW = 8;
-constexpr std::uint8_t MOVE = 209;
-constexpr std::uint8_t REVERSE_BIT = 0x80;
 
 constexpr std::size_t PROBE_MOVES = 9;
 constexpr std::size_t PROBE_MOVES_WITHOUT_SAMPLE = 2;
@@ -57,11 +51,12 @@ const char* phaseName(SearchPhase phase)
 
 std::optional<std::int64_t> displacementOf(const microscope::LoggedRequest& request)
 {
-    if (request.answer != microscope::Answer::accepted || request.code != DRIVE_REQUEST ||
-        request.input.size() != REQUEST_LENGTH || request.input[REQUEST_CODE] != MOVE)
+    if (request.answer != microscope::Answer::accepted)
         return std::nullopt;
-    const std::int64_t steps = request.input[STEPS_LOW] | request.input[STEPS_LOW + 1] << 8;
-    return (request.input[DIRECTION_HIGH] & REVERSE_BIT) != 0 ? -steps : steps;
+    const auto command = microscope::parseCommand(request.code, request.input);
+    if (!command || command->kind != microscope::DriveCommand::Kind::move)
+        return std::nullopt;
+    return command->displacement;
 }
 
 FocusTrace traceSearch(const std::vector<microscope::LoggedRequest>& requests, const std::vector<SeenFrame>& frames,
@@ -94,7 +89,7 @@ FocusTrace traceSearch(const std::vector<microscope::LoggedRequest>& requests, c
 
 QByteArray traceAsCsv(const FocusTrace& trace)
 {
-    QString text = "move,seconds,phase,displacement_steps,motor_position_steps,frame_position_steps,sharpness_grey\n";
+    QString text = "move,seconds,phase,displacement_steps,motor_position_steps,frame_position_steps,contrast_grey\n";
     int move = 0;
     for (const TraceStep& step : trace) {
         text += QString("%1,%2,%3,%4,%5,")
@@ -104,7 +99,7 @@ QByteArray traceAsCsv(const FocusTrace& trace)
                     .arg(step.displacement)
                     .arg(step.position);
         if (step.sample)
-            text += QString("%1,%2").arg(step.sample->position).arg(step.sample->sharpness, 0, 'f', 4);
+            text += QString("%1,%2").arg(step.sample->position).arg(step.sample->contrast, 0, 'f', 4);
         else
             text += ",";
         text += "\n";

@@ -2,8 +2,8 @@
 // library.
 #pragma once
 
-#include "host/frame_watch.h"
 #include "microscope/drive/request_log.h"
+#include "tesmor/demo/frame_watch.h"
 
 #include <QString>
 

@@ -1,5 +1,7 @@
-#include "host/frame_watch.h"
+#include "tesmor/demo/frame_watch.h"
 
+#include "images/frame_image.h"
+#include "protocol/central_region.h"
 #include "tesmor.h"
 
 #include <algorithm>
@@ -9,25 +11,20 @@ namespace tesmor::apps {
 
 namespace {
 
-double middleContrast(const microscope::Frame& frame, std::uint16_t magnification)
+double contrastOf(const microscope::Frame& frame, const Region& region)
 {
-    const int divisor = magnification >= 40 ? 2 : 4;
-    const int width = frame.width / divisor;
-    const int height = frame.height / divisor;
-    const int left = (frame.width - width) / 2;
-    const int top = (frame.height - height) / 2;
     double sum = 0;
     double squares = 0;
-    for (int y = top; y < top + height; ++y) {
+    for (int y = region.top; y < region.top + region.height; ++y) {
         const std::uint8_t* pixel = frame.pixels + microscope::rowBytes(frame.width) * static_cast<std::size_t>(y) +
-                                    3 * static_cast<std::size_t>(left);
-        for (int x = 0; x < width; ++x, pixel += 3) {
+                                    3 * static_cast<std::size_t>(region.left);
+        for (int x = 0; x < region.width; ++x, pixel += 3) {
             const double brightness = 0.114 * pixel[0] + 0.587 * pixel[1] + 0.299 * pixel[2];
             sum += brightness;
             squares += brightness * brightness;
         }
     }
-    const double count = static_cast<double>(width) * height;
+    const double count = static_cast<double>(region.width) * region.height;
     return std::sqrt(std::max(0.0, squares / count - sum / count * (sum / count)));
 }
 
@@ -35,10 +32,10 @@ double middleContrast(const microscope::Frame& frame, std::uint16_t magnificatio
 
 void FrameWatch::receive(const microscope::Frame& frame)
 {
-    const double sharpness = middleContrast(frame, magnification_);
+    const double contrast = contrastOf(frame, centralRegion(frame.width, frame.height, magnification_));
     {
         const std::lock_guard lock(mutex_);
-        frames_.push_back({Clock::now(), frame.position, sharpness});
+        frames_.push_back({Clock::now(), frame.position, contrast});
         if (firstImage_.isNull())
             firstImage_ = copyOfFrame(frame.pixels, frame.width, frame.height);
     }
@@ -67,12 +64,6 @@ QImage FrameWatch::firstImage() const
 {
     const std::lock_guard lock(mutex_);
     return firstImage_;
-}
-
-QImage copyOfFrame(const std::uint8_t* pixels, int width, int height)
-{
-    const auto rowBytes = static_cast<qsizetype>(microscope::rowBytes(width));
-    return QImage(pixels, width, height, rowBytes, QImage::Format_BGR888).copy();
 }
 
 } // namespace tesmor::apps

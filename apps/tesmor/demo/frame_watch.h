@@ -18,13 +18,12 @@ using Clock = std::chrono::steady_clock;
 struct SeenFrame {
     Clock::time_point time; // shortly before the library got it
     std::int64_t position;  // motor steps: what the frame shows
-    double sharpness;       // contrast in the middle of the view: standard deviation of brightness, grey levels
+    double contrast;        // standard deviation of brightness where the autofocus looks, grey levels
 };
 
 // `receive` runs on the camera's thread, all else on any.
 class FrameWatch {
 public:
-    // The autofocus looks at a larger part of the view with the high magnifications; so does this.
     explicit FrameWatch(std::uint16_t magnification) : magnification_(magnification) {}
 
     void receive(const microscope::Frame& frame);
@@ -40,8 +39,5 @@ private:
     std::vector<SeenFrame> frames_;
     QImage firstImage_;
 };
-
-// A copy, in the library's frame layout; null when there is no memory.
-QImage copyOfFrame(const std::uint8_t* pixels, int width, int height);
 
 } // namespace tesmor::apps

@@ -1,8 +1,9 @@
-#include "images/plane_folder.h"
+#include "tesmor/demo/plane_folder.h"
 
 #include "host/fusion_job.h"
+#include "host/fusion_memory.h"
 #include "images/image_series.h"
-#include "tesmor/subcommand.h"
+#include "terminal/errors.h"
 
 #include <QCollator>
 #include <QDir>
@@ -57,7 +58,7 @@ std::vector<microscope::Image> readPlanes(const QString& folder, LiveLine::Style
             QString("%1: holds %2 pictures; leave at most %3").arg(folder).arg(files.size()).arg(MOST_PLANES));
     const QSize size = readCommonSize(files, LEAST_SIDE);
     // The photographs once as they are read and once as planes, and the slices that are to be merged.
-    requireFusionMemory(fusionMemory(size, 2 * static_cast<std::size_t>(files.size()) + 128));
+    requireFusionMemory(fusionMemory(size, 2 * static_cast<std::size_t>(files.size()) + MOST_FUSED_IMAGES));
 
     std::vector<microscope::Image> planes;
     for (const QImage& photo : readFrames(files, size, style)) {

@@ -1,5 +1,7 @@
 #include "tesmor/demo/stack_plan.h"
 
+#include "host/focus_units.h"
+#include "host/fusion_job.h"
 #include "microscope/camera/objective.h"
 
 #include <algorithm>
@@ -14,9 +16,6 @@ constexpr double BELOW_FOCUS = 1;
 constexpr double ABOVE_FOCUS = 4.5;
 constexpr double SLICE_DISTANCE = 0.5;
 constexpr double PLANE_DISTANCE = 0.5; // less, and the search takes neighbours for one; more, and it sees each alone
-
-constexpr std::size_t MOST_SLICES = 128;
-constexpr std::int64_t LARGEST_MOVE = 65535;
 
 std::int32_t unitsFor(double steps, std::uint16_t magnification)
 {
@@ -41,14 +40,14 @@ StackPlan planStack(const DemoOptions& options, const microscope::VirtualMicrosc
     double first = static_cast<double>(microscope.position()) - BELOW_FOCUS * depthOfField;
     if (planeCount > 0) {
         const auto planeDistance = static_cast<double>(stepsPerPlane(options.magnification));
-        distance = std::ceil(static_cast<double>(planeCount) / MOST_SLICES) * planeDistance;
+        distance = std::ceil(static_cast<double>(planeCount) / MOST_FUSED_IMAGES) * planeDistance;
         height = static_cast<double>(planeCount - 1) * planeDistance;
         first = 0;
     }
     const std::int32_t spacing = options.spacing.value_or(unitsFor(distance, options.magnification));
     const std::int64_t stepsPerSlice = static_cast<std::int64_t>(spacing) * stepsPerUnit(options.magnification);
     const double slices = std::round(height / static_cast<double>(stepsPerSlice)) + 1;
-    const auto defaultSlices = static_cast<int>(std::min(slices, static_cast<double>(MOST_SLICES)));
+    const auto defaultSlices = static_cast<int>(std::min(slices, static_cast<double>(MOST_FUSED_IMAGES)));
     return {std::llround(first), static_cast<std::uint16_t>(options.slices.value_or(defaultSlices)), spacing,
             stepsPerSlice};
 }

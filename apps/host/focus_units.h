@@ -1,0 +1,29 @@
+// The units in which the library counts focus: motor steps, degrees, and the spacing units of a stack.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace tesmor::apps {
+
+constexpr int STEPS_PER_TURN = 12800; // motor steps
+constexpr double DEGREES_PER_STEP = 360.0 / STEPS_PER_TURN;
+constexpr int LARGEST_MOVE = 65535; // motor steps; more wraps round
+
+struct FocusObjective {
+    std::uint16_t magnification;
+    int stepsPerUnit; // motor steps in one spacing unit of tesmor_startif
+};
+
+// The objectives that tesmor_start and tesmor_startif know.
+constexpr std::array<FocusObjective, 7> FOCUS_OBJECTIVES{
+    {{4, 200}, {10, 120}, {20, 96}, {40, 48}, {60, 48}, {80, 100}, {100, 48}}};
+
+// For a magnification of the table.
+constexpr int stepsPerUnit(std::uint16_t magnification)
+{
+    return std::ranges::find(FOCUS_OBJECTIVES, magnification, &FocusObjective::magnification)->stepsPerUnit;
+}
+
+} // namespace tesmor::apps

@@ -1,0 +1,6 @@
+#include "tesmor/command.h"
+
+int main(int argc, char** argv)
+{
+    return tesmor::apps::runCommand(argc, argv);
+}

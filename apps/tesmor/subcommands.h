@@ -1,0 +1,15 @@
+// The subcommands of `tesmor`; command.cpp has the table of them.
+//
+// Each takes argv with "tesmor NAME" in its first place, creates the Qt application that it needs, and returns the exit
+// status or throws UsageError, UserError, Interrupted or std::bad_alloc.
+#pragma once
+
+namespace tesmor::apps {
+
+int runDemo(int argc, char** argv);
+int runDevices(int argc, char** argv);
+int runFuse(int argc, char** argv);
+int runMicroscope(int argc, char** argv);
+int runMove(int argc, char** argv);
+
+} // namespace tesmor::apps
