@@ -19,6 +19,7 @@ inline constexpr int ACK_READS = 5;     // per move, in total
 class FocusDrive {
 public:
     // Takes the lowest unit that exists and opens. Always yields the object; hasDevice tells whether there is a drive.
+    // A drive that does not answer counts: its moves fail.
     FocusDrive() noexcept;
 
     // Closes the device, released first where the driver had accepted the opening.

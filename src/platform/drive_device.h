@@ -19,7 +19,8 @@ inline constexpr DeviceHandle INVALID_DEVICE = nullptr;
 // only be found by opening it, so every unit counts as known.
 bool deviceExists(unsigned unit) noexcept;
 
-// Opens the unit's device. Does not block. INVALID_DEVICE when it does not open.
+// Opens the unit's device. Does not block. INVALID_DEVICE when it does not open. On Linux a unit whose service hangs
+// opens as well, but refuses everything: the next unit may belong to another microscope.
 DeviceHandle openDevice(unsigned unit) noexcept;
 
 // Sends a control request and waits for the driver's answer. True when the driver accepted it. Blocks while the driver

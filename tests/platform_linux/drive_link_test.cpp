@@ -1,8 +1,10 @@
 // The library's end of the drive link, packet by packet.
 #include "platform/drive_device.h"
 #include "platform_linux/raw_service.h"
+#include "support/call_recorder.h"
 #include "support/child_process.h"
 #include "support/library_test.h"
+#include "support/video_thread.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -88,6 +90,16 @@ TEST_F(DriveLink, KeepsAcknowledgementsAndIgnoresTheRest)
     EXPECT_FALSE(readDeviceByte(device, nullptr, 0)) << "without an event every read fails";
 }
 
+TEST_F(DriveLink, APacketThatIsThereIsReadThoughTheTimeIsUp)
+{
+    service.send({1, 2, 3});
+    service.send(ACK);
+    EXPECT_TRUE(readAck(0));
+    EXPECT_FALSE(readAck(0));
+    service.send(ACCEPTED);
+    EXPECT_TRUE(control()) << "the link is still up";
+}
+
 TEST_F(DriveLink, AServiceThatHangsCostsASecondAndTheLink)
 {
     const auto start = steady_clock::now();
@@ -165,6 +177,25 @@ TEST(DriveLinkPeer, NobodyThereIsNoDevice)
     EXPECT_FALSE(controlDevice(INVALID_DEVICE, CODE, INPUT));
     Event completion{Reset::manual, false};
     EXPECT_FALSE(readDeviceByte(INVALID_DEVICE, &completion, 1500));
+}
+
+class HangingService : public LibraryTest {};
+
+// The next unit may be another microscope's.
+TEST_F(HangingService, EndsTheSearchForADriveAndFailsTheCommand)
+{
+    const RawService hanging(0);
+    const RawClient waiting[] = {RawClient(0), RawClient(0)}; // fill its backlog
+    const RawService next(1);
+    const VideoThread video(8, 8);
+    CallRecorder recorder;
+    ASSERT_EQ(tesmor_init(), 1);
+    tesmor_start(40, CallRecorder::onDone, &recorder);
+    tesmor_startif(40, 1, 1, CallRecorder::onFrame, &recorder, 0);
+    tesmor_manual(1.0, CallRecorder::onDone, &recorder);
+    waitUntilIdle();
+    EXPECT_EQ(recorder.calls(), std::vector<Call>(3, report(TESMOR_MOVE_FAILED)));
+    EXPECT_FALSE(next.hasCaller());
 }
 
 TEST(DriveLinkPeer, AServiceOfAnotherUserIsPassedOver)

@@ -99,6 +99,13 @@ public:
         link_ = accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
     }
 
+    // Whether somebody has connected and was not yet accepted.
+    bool hasCaller() const
+    {
+        pollfd connecting{listener_, POLLIN, 0};
+        return poll(&connecting, 1, 0) > 0;
+    }
+
     // What was sent is still read; then comes the end of file.
     void endSending()
     {

@@ -4,7 +4,7 @@
 //   from service 5 bytes: the control code that is answered as u32, then 0 for refused, else accepted
 //                1 byte: an acknowledgement; any other length is ignored
 //   byte order   little-endian
-// The service must run as root or as the library's own user.
+// The service must run as root or as the library's own user. One whose backlog is full exists but does not answer.
 #include "platform/drive_device.h"
 
 #include <algorithm>
@@ -25,6 +25,7 @@ namespace tesmor::platform {
 namespace {
 
 constexpr int REPLY_TIMEOUT_MS = 1000;
+constexpr int LATE_LOOKS = 64;
 constexpr std::size_t ACK_LENGTH = 1;
 constexpr std::size_t REPLY_LENGTH = 5;
 constexpr std::size_t MAX_INPUT_BYTES = 10;
@@ -37,6 +38,26 @@ Milliseconds now() noexcept
     clock_gettime(CLOCK_MONOTONIC, &time);
     return static_cast<Milliseconds>(time.tv_sec) * 1000 + time.tv_nsec / 1'000'000;
 }
+
+// How long to go on looking for a packet. A thread that was held off past its time still finds what has come by then,
+// but a peer that never stops sending does not keep it.
+class Patience {
+public:
+    explicit Patience(std::uint32_t milliseconds) noexcept : end_(now() + milliseconds) {}
+
+    // How long the next look may wait, in milliseconds; none when there is no further look.
+    std::optional<int> nextWait() noexcept
+    {
+        const Milliseconds left = end_ - now();
+        if (left > 0)
+            return static_cast<int>(left);
+        return lateLooks_-- > 0 ? std::optional(0) : std::nullopt;
+    }
+
+private:
+    Milliseconds end_;
+    int lateLooks_ = LATE_LOOKS;
+};
 
 void putLittleEndian(std::uint32_t value, std::uint8_t* bytes) noexcept
 {
@@ -52,20 +73,15 @@ std::uint32_t getLittleEndian(const std::uint8_t* bytes) noexcept
     return value;
 }
 
-int connectToUnit(unsigned unit) noexcept
+// 0, or the error number.
+int connectToUnit(int socketFd, unsigned unit) noexcept
 {
-    const int socketFd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (socketFd < 0)
-        return -1;
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     char* const name = address.sun_path + 1; // the leading 0 makes the name abstract
     const int nameLength = std::snprintf(name, sizeof(address.sun_path) - 1, "braskdrv-%u-1010", unit);
     const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + nameLength);
-    if (connect(socketFd, reinterpret_cast<const sockaddr*>(&address), length) == 0)
-        return socketFd;
-    ::close(socketFd);
-    return -1;
+    return connect(socketFd, reinterpret_cast<const sockaddr*>(&address), length) == 0 ? 0 : errno;
 }
 
 bool isTrusted(int socketFd) noexcept
@@ -98,8 +114,8 @@ public:
             shutDown();
             return false;
         }
-        const Milliseconds deadline = now() + REPLY_TIMEOUT_MS;
-        while (const std::optional<Packet> packet = receive(deadline)) {
+        Patience patience(REPLY_TIMEOUT_MS);
+        while (const std::optional<Packet> packet = receive(patience)) {
             if (packet->length == REPLY_LENGTH && getLittleEndian(packet->bytes.data()) == code)
                 return packet->bytes[4] != 0;
         }
@@ -109,9 +125,9 @@ public:
 
     bool takeAcknowledgement(std::uint32_t timeoutMs) noexcept
     {
-        const Milliseconds deadline = now() + timeoutMs;
+        Patience patience(timeoutMs);
         while (keptAcknowledgements_ == 0) {
-            if (!receive(deadline))
+            if (!receive(patience))
                 return false;
         }
         --keptAcknowledgements_;
@@ -148,28 +164,28 @@ private:
         return sent == static_cast<ssize_t>(length);
     }
 
-    // The next packet, acknowledgements counted; none when the deadline has passed or the peer has gone. The deadline
-    // holds for a peer that never stops sending, too.
-    std::optional<Packet> receive(Milliseconds deadline) noexcept
+    // The next packet, acknowledgements counted; none when none came in time or the peer has gone.
+    std::optional<Packet> receive(Patience& patience) noexcept
     {
-        for (;;) {
-            const Milliseconds left = deadline - now();
+        while (socketFd_ >= 0) {
+            const std::optional<int> wait = patience.nextWait();
             pollfd readable{socketFd_, POLLIN, 0};
-            if (left <= 0 || socketFd_ < 0 || poll(&readable, 1, static_cast<int>(left)) == 0)
-                return std::nullopt;
+            if (!wait || poll(&readable, 1, *wait) == 0)
+                break;
             Packet packet{};
             const ssize_t received = recv(socketFd_, packet.bytes.data(), packet.bytes.size(), MSG_TRUNC);
             if (received < 0 && (errno == EINTR || errno == EAGAIN))
                 continue;
             if (received <= 0) {
                 shutDown();
-                return std::nullopt;
+                break;
             }
             packet.length = static_cast<std::size_t>(received);
             if (packet.length == ACK_LENGTH)
                 ++keptAcknowledgements_;
             return packet;
         }
+        return std::nullopt;
     }
 
     int socketFd_;                           // -1 once the link is down
@@ -183,10 +199,13 @@ bool deviceExists(unsigned) noexcept
 
 DeviceHandle openDevice(unsigned unit) noexcept
 {
-    const int socketFd = connectToUnit(unit);
+    const int socketFd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (socketFd < 0)
         return INVALID_DEVICE;
-    if (isTrusted(socketFd)) {
+    const int failure = connectToUnit(socketFd, unit);
+    const bool hangs = failure == EAGAIN;
+    if (hangs || (failure == 0 && isTrusted(socketFd))) {
+        // Nothing can be sent on a socket that is not connected: the link of a unit that hangs goes down at its first request.
         if (DeviceHandle device = new (std::nothrow) DriveDevice(socketFd))
             return device;
     }
