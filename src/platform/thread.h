@@ -17,7 +17,8 @@ using ThreadHandle = NativeThread*;
 // On Linux the thread blocks the signals of its process, so that the host's handlers never run on it.
 ThreadHandle createSuspendedThread(ThreadEntry entry) noexcept;
 
-// Lets the thread run. Does not block. Returns the number of suspensions that it had (1), 0 when the system failed.
+// Lets the thread run. Does not block. Returns the number of suspensions that it had (1). 0 when the system failed: the
+// thread has ended without ever having run, and its handle is given back.
 std::int32_t resumeThread(ThreadHandle thread) noexcept;
 
 // Blocks until the thread has ended, without limit.
@@ -28,7 +29,7 @@ std::int32_t closeThread(ThreadHandle thread) noexcept;
 
 // Puts the calling thread at the system's idle priority for as long as the object lives, then restores the priority
 // that it had. Where the process would not be allowed to come back from the idle priority, the thread is lowered as
-// far as it may come back from; where even that fails, it stays as it is. Does not block.
+// far as it may come back from; where it could not come back at all, it stays as it is. Does not block.
 class IdlePriority {
 public:
     IdlePriority() noexcept;

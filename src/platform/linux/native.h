@@ -17,8 +17,10 @@ struct NativeEvent {
 struct NativeThread;
 
 struct NativePriority {
-    bool lowered;
     int policy;
+    int inheritance; // SCHED_RESET_ON_FORK or 0; only some processes may take it back
+    int priority;    // of SCHED_FIFO and SCHED_RR, else 0
+    bool lowered;
 };
 
 // The library's own module, as the loader knows it.
