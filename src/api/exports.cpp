@@ -60,7 +60,10 @@ extern "C" {
 std::int32_t tesmor_init(void)
 {
     library.workerHandle = platform::createSuspendedThread(runWorker);
-    return library.workerHandle ? platform::resumeThread(library.workerHandle) : 0;
+    const std::int32_t resumed = library.workerHandle ? platform::resumeThread(library.workerHandle) : 0;
+    if (!resumed)
+        library.workerHandle = nullptr;
+    return resumed;
 }
 
 std::int32_t tesmor_fini(void)

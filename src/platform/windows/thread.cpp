@@ -25,7 +25,11 @@ ThreadHandle createSuspendedThread(ThreadEntry entry) noexcept
 std::int32_t resumeThread(ThreadHandle thread) noexcept
 {
     const DWORD suspensions = ResumeThread(thread);
-    return suspensions == RESUME_FAILED ? 0 : static_cast<std::int32_t>(suspensions);
+    if (suspensions != RESUME_FAILED)
+        return static_cast<std::int32_t>(suspensions);
+    TerminateThread(thread, 0); // safe for a thread that holds nothing yet
+    CloseHandle(thread);
+    return 0;
 }
 
 void waitForThread(ThreadHandle thread) noexcept
