@@ -1,0 +1,41 @@
+// The frames of one GStreamer pipeline.
+#pragma once
+
+#include "cameras/device.h"
+#include "cameras/gstreamer/gstreamer_handle.h"
+
+#include <gst/app/gstappsink.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tesmor::cameras {
+
+class GStreamerDevice : public Device {
+public:
+    //   head     a pipeline's text, up to where pictures of any kind come out
+    //   source   to be put before an element of the head that is named "tesmor_head"; may be null
+    // Throws CameraError.
+    explicit GStreamerDevice(const std::string& head, ObjectHandle<GstElement> source = nullptr);
+    ~GStreamerDevice() override;
+
+    void start() override;
+    bool next(std::chrono::milliseconds limit, const FrameSink& sink) override;
+    void stop() noexcept override;
+
+private:
+    void setState(GstState state);
+    void paceByArrival();
+    void throwFailure(const char* otherwise);
+    void deliver(GstSample* sample, const FrameSink& sink);
+    Clock::time_point timeOf(GstSample* sample) const;
+
+    ObjectHandle<GstElement> pipeline_;
+    ObjectHandle<GstAppSink> frames_;
+    bool isLive_ = false;
+    std::uint64_t nextNumber_ = 0;
+    std::optional<std::uint64_t> firstOffset_; // the source's own number of the first frame
+};
+
+} // namespace tesmor::cameras

@@ -1,0 +1,66 @@
+#include "cameras/gstreamer/gstreamer_failure.h"
+
+#include "cameras/gstreamer/gstreamer_handle.h"
+
+#include <algorithm>
+
+namespace tesmor::cameras {
+
+namespace {
+
+const char* resourceRemedy(int code)
+{
+    switch (code) {
+    case GST_RESOURCE_ERROR_NOT_FOUND:
+        return "see whether it is plugged in, and its name right";
+    case GST_RESOURCE_ERROR_BUSY:
+        return "close the other program that uses it";
+    case GST_RESOURCE_ERROR_NOT_AUTHORIZED:
+        return "ask for access to it; for a camera, to be put into the group video";
+    case GST_RESOURCE_ERROR_OPEN_READ:
+    case GST_RESOURCE_ERROR_OPEN_READ_WRITE:
+        return "see whether it is plugged in, and whether you may use it (group video)";
+    default:
+        return "plug it in again, or see whether it still sends";
+    }
+}
+
+const char* remedyFor(const GError& error)
+{
+    if (error.domain == GST_RESOURCE_ERROR)
+        return resourceRemedy(error.code);
+    if (error.domain == GST_CORE_ERROR && error.code == GST_CORE_ERROR_MISSING_PLUGIN)
+        return "install the GStreamer plugin for it: the package gstreamer1.0-plugins-bad, -ugly or gstreamer1.0-libav";
+    if (error.domain == GST_STREAM_ERROR)
+        return "see whether it is a picture at all; for a pipeline, add ! decodebin, or a plugin for its kind";
+    return "try it with gst-launch-1.0, of the package gstreamer1.0-tools";
+}
+
+// A line of its own, without a full stop.
+std::string plain(std::string text)
+{
+    std::ranges::replace(text, '\n', ' ');
+    while (!text.empty() && (text.back() == '.' || text.back() == ' '))
+        text.pop_back();
+    return text;
+}
+
+} // namespace
+
+std::string pipelineFailure(const GError& error)
+{
+    const char* const remedy = error.code == GST_PARSE_ERROR_NO_SUCH_ELEMENT
+                                   ? "install the GStreamer plugin that has it, or correct its name"
+                                   : "try it with gst-launch-1.0, of the package gstreamer1.0-tools";
+    return "the pipeline is not possible: " + plain(error.message) + "; " + remedy;
+}
+
+std::string streamFailure(GstMessage* message)
+{
+    GError* error = nullptr;
+    gst_message_parse_error(message, &error, nullptr);
+    const ErrorHandle owned(error);
+    return plain(error->message) + "; " + remedyFor(*error);
+}
+
+} // namespace tesmor::cameras
