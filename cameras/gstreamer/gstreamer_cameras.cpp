@@ -77,6 +77,11 @@ std::string quoted(const std::string& text)
     return result + '"';
 }
 
+std::unique_ptr<Device> openDeviceFile(const std::string& file)
+{
+    return std::make_unique<GStreamerDevice>("v4l2src name=tesmor_v4l2 device=" + quoted(file) + " ! decodebin");
+}
+
 std::unique_ptr<Device> play(const std::string& uri)
 {
     return std::make_unique<GStreamerDevice>("uridecodebin uri=" + quoted(uri));
@@ -121,7 +126,7 @@ std::unique_ptr<Device> openGStreamerDevice(const std::string& name)
 {
     initialise();
     if (name.starts_with("/dev/"))
-        return std::make_unique<GStreamerDevice>("v4l2src device=" + quoted(name) + " ! decodebin");
+        return openDeviceFile(name);
     if (name.find("://") != std::string::npos && name.find(' ') == std::string::npos)
         return play(name);
     if (std::error_code ignored; std::filesystem::is_regular_file(name, ignored))
@@ -129,6 +134,8 @@ std::unique_ptr<Device> openGStreamerDevice(const std::string& name)
     for (const FoundCamera& camera : findCameras()) {
         if (camera.info.name != name && camera.info.description != name)
             continue;
+        if (camera.info.name.starts_with("/dev/"))
+            return openDeviceFile(camera.info.name);
         ObjectHandle<GstElement> source(gst_device_create_element(camera.device.get(), nullptr));
         return std::make_unique<GStreamerDevice>("decodebin name=tesmor_head", std::move(source));
     }

@@ -41,11 +41,22 @@ GStreamerDevice::GStreamerDevice(const std::string& head, ObjectHandle<GstElemen
         gst_element_link(source.release(), first.get());
     }
     setState(GST_STATE_READY);
+    findControls();
 }
 
 GStreamerDevice::~GStreamerDevice()
 {
     gst_element_set_state(pipeline_.get(), GST_STATE_NULL);
+}
+
+void GStreamerDevice::findControls()
+{
+    const ObjectHandle<GstElement> source(gst_bin_get_by_name(GST_BIN(pipeline_.get()), "tesmor_v4l2"));
+    if (!source)
+        return;
+    int descriptor = -1; // the source's own
+    g_object_get(source.get(), "device-fd", &descriptor, nullptr);
+    controls_.emplace(descriptor);
 }
 
 void GStreamerDevice::setState(GstState state)
@@ -130,6 +141,17 @@ Clock::time_point GStreamerDevice::timeOf(GstSample* sample) const
 void GStreamerDevice::stop() noexcept
 {
     gst_element_set_state(pipeline_.get(), GST_STATE_READY);
+}
+
+std::optional<ControlState> GStreamerDevice::control(Control control) const
+{
+    return controls_ ? controls_->control(control) : std::nullopt;
+}
+
+void GStreamerDevice::setControl(Control control, double value)
+{
+    if (controls_)
+        controls_->setControl(control, value);
 }
 
 } // namespace tesmor::cameras

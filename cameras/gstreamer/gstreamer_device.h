@@ -3,6 +3,7 @@
 
 #include "cameras/device.h"
 #include "cameras/gstreamer/gstreamer_handle.h"
+#include "cameras/gstreamer/v4l2_controls.h"
 
 #include <gst/app/gstappsink.h>
 
@@ -16,6 +17,7 @@ class GStreamerDevice : public Device {
 public:
     //   head     a pipeline's text, up to where pictures of any kind come out
     //   source   to be put before an element of the head that is named "tesmor_head"; may be null
+    // A v4l2src in the head that is named "tesmor_v4l2" has exposure and gain.
     // Throws CameraError.
     explicit GStreamerDevice(const std::string& head, ObjectHandle<GstElement> source = nullptr);
     ~GStreamerDevice() override;
@@ -23,8 +25,11 @@ public:
     void start() override;
     bool next(std::chrono::milliseconds limit, const FrameSink& sink) override;
     void stop() noexcept override;
+    std::optional<ControlState> control(Control control) const override;
+    void setControl(Control control, double value) override;
 
 private:
+    void findControls();
     void setState(GstState state);
     void paceByArrival();
     void throwFailure(const char* otherwise);
@@ -33,6 +38,7 @@ private:
 
     ObjectHandle<GstElement> pipeline_;
     ObjectHandle<GstAppSink> frames_;
+    std::optional<V4l2Controls> controls_;
     bool isLive_ = false;
     std::uint64_t nextNumber_ = 0;
     std::optional<std::uint64_t> firstOffset_; // the source's own number of the first frame
