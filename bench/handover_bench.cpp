@@ -2,10 +2,12 @@
 #include "api/library.h"
 #include "bare_signal.h"
 #include "frames/frame_wait.h"
+#include "placement.h"
 #include "ratio.h"
 #include "tesmor.h"
 
 #include <atomic>
+#include <optional>
 #include <thread>
 
 namespace tesmor::bench {
@@ -38,15 +40,22 @@ constexpr int ROUNDS = 500;
 
 void postToIdle(benchmark::State& state)
 {
+    const auto processor = static_cast<int>(state.range(0));
+    const OnProcessor host(0);
     BareSignal command, idle;
-    std::thread bareWorker([&] {
-        for (std::int64_t i = 0; i < state.max_iterations * ROUNDS; ++i) {
-            command.wait();
-            idle.set();
-        }
-    });
-    tesmor_init();
-    const Figure figure{"post to idle again (tesmor_reset)", "two wake-ups of bare condition variables", 1.3};
+    std::thread bareWorker;
+    {
+        const OnProcessor worker(processor);
+        bareWorker = std::thread([&] {
+            for (std::int64_t i = 0; i < state.max_iterations * ROUNDS; ++i) {
+                command.wait();
+                idle.set();
+            }
+        });
+        tesmor_init();
+    }
+    const Figure figure{"post to idle again (tesmor_reset)" + placementText(processor),
+                        "two wake-ups of bare condition variables", 1.3};
     compare<ElapsedTime>(
         state, figure, [] {},
         [&] {
@@ -64,36 +73,42 @@ void postToIdle(benchmark::State& state)
     bareWorker.join();
 }
 
-// A thread that offers frames without pause, as the fastest camera would.
+// A thread that offers frames without pause, as the fastest camera would, and sleeps while it is not to.
 template <class Offer>
 class Camera {
 public:
     explicit Camera(Offer offer)
         : thread_([this, offer] {
-              while (!stopped_) {
-                  if (running_)
-                      offer();
-                  else
-                      std::this_thread::yield();
+              while (state_ != STOPPED) {
+                  state_.wait(RESTING);
+                  offer();
+                  std::this_thread::yield(); // else, on one processor, the host would wait for the end of a time slice
               }
           })
     {
     }
     ~Camera()
     {
-        stopped_ = true;
+        set(STOPPED);
         thread_.join();
     }
 
     void run(bool running)
     {
-        running_ = running;
+        set(running ? RUNNING : RESTING);
     }
 
 private:
-    std::atomic<bool> stopped_{false};
-    std::atomic<bool> running_{false};
-    std::thread thread_;
+    enum State { RESTING, RUNNING, STOPPED };
+
+    void set(State state)
+    {
+        state_ = state;
+        state_.notify_one();
+    }
+
+    std::atomic<State> state_{RESTING};
+    std::thread thread_; // on the processor of its maker
 };
 
 void requestToServed(benchmark::State& state)
@@ -104,16 +119,20 @@ void requestToServed(benchmark::State& state)
     library.runFlag = 1;
     BareSignal served;
     std::atomic<std::int32_t> request{0};
+    const std::uint8_t pixel[4]{};
+    const auto processor = static_cast<int>(state.range(0));
+    std::optional<OnProcessor> placed(std::in_place, processor);
     Camera bareCamera([&] {
         if (request.load(std::memory_order_relaxed) != 0) {
             request = 0;
             served.set();
         }
     });
-    const std::uint8_t pixel[4]{};
     Camera camera([&] { tesmor_video(pixel, 1, 1); });
+    placed.emplace(0);
 
-    const Figure figure{"frame request to served frame", "one wake-up of a bare condition variable", 1.3};
+    const Figure figure{"frame request to served frame" + placementText(processor),
+                        "one wake-up of a bare condition variable", 1.3};
     compare<ElapsedTime>(
         state, figure, [] {},
         [&] {
@@ -137,7 +156,7 @@ void requestToServed(benchmark::State& state)
 } // namespace
 
 BENCHMARK(idleHook)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(postToIdle)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(requestToServed)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(postToIdle)->Arg(0)->Arg(1)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(requestToServed)->Arg(0)->Arg(1)->Iterations(101)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace tesmor::bench

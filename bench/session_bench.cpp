@@ -3,6 +3,7 @@
 #include "api/library.h"
 #include "bare_signal.h"
 #include "microscope/virtual_microscope.h"
+#include "placement.h"
 #include "platform/drive_device.h"
 #include "protocol/drive_request.h"
 #include "ratio.h"
@@ -172,10 +173,11 @@ void captureStack()
 void compareSession(benchmark::State& state, const std::string& name, void (*command)())
 {
     constexpr int rounds = 5;
+    const OnProcessor allThreads(0); // then nothing but their work and the hand-overs is in the figure
     Bench bench;
     command(); // the first one is slower
     const Session session = bench.record(command);
-    const Figure figure{name + " on the virtual microscope",
+    const Figure figure{name + " on the virtual microscope" + placementText(0),
                         std::to_string(session.requests.size()) + " requests, " +
                             std::to_string(session.requestsBeforeFrame.size()) + " bare frame waits",
                         1.2};
