@@ -23,7 +23,6 @@ Settings checkedSettings(Settings settings)
     require(settings.unit < 16, "unit must be 0 to 15");
     require(settings.framesPerSecond >= 0, "frames per second must not be negative");
     require(settings.noise >= 0 && settings.noise <= 20, "noise must be 0 to 20 grey levels");
-    require(settings.droppedFrames >= 0 && settings.droppedFrames <= 1, "dropped frames must be 0 to 1");
     require(settings.timeScale >= 0, "time scale must not be negative");
     require(settings.motor.stepsPerSecond >= 0, "motor speed must not be negative");
     require(settings.motor.backlash >= 0, "backlash must not be negative");

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "microscope/camera/photo_planes.h"
+#include "microscope/camera/photo_scene.h"
 #include "microscope/drive/faults.h"
-#include "microscope/drive/motor_settings.h"
+#include "microscope/drive/motor.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,7 +10,7 @@
 namespace tesmor::microscope {
 
 struct Settings {
-    std::uint64_t seed = 1;           // of the specimen, the noise and the dropped frames
+    std::uint64_t seed = 1;           // of the specimen and the noise
     std::uint16_t magnification = 10; // of the objective: 4, 10, 20, 40, 60, 80 or 100
     std::int32_t width = 1280;        // of a frame, pixels, at least 64; the field of view is the same at any width
     std::int32_t height = 960;        // likewise
@@ -19,7 +19,6 @@ struct Settings {
 
     double framesPerSecond = 30; // 0: no camera thread, frames come from deliverFrame alone
     double noise = 1.5;          // grey levels, standard deviation at full brightness, 0 to 20; photographs get none
-    double droppedFrames = 0;    // share of the frames that the camera loses, 0 to 1
     double timeScale = 1;        // motor and camera run this many times faster than real; 0: they take no time at
                                  // all, and the camera delivers frames as fast as it can
     MotorSettings motor;

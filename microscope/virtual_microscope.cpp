@@ -5,7 +5,6 @@
 #include "microscope/camera/optics.h"
 #include "microscope/camera/photo_scene.h"
 #include "microscope/camera/sensor.h"
-#include "microscope/camera/view.h"
 #include "microscope/drive/acknowledgement_gate.h"
 #include "microscope/drive/drive_controller.h"
 #include "microscope/drive/drive_service.h"
@@ -20,7 +19,7 @@ namespace tesmor::microscope {
 namespace {
 
 // Seeds that differ, of things that are to differ.
-enum : std::uint64_t { SPECIMEN_SEED = 1, NOISE_SEED, DROP_SEED };
+enum : std::uint64_t { SPECIMEN_SEED = 1, NOISE_SEED };
 
 std::uint64_t seedOf(const Settings& settings, std::uint64_t thing)
 {
@@ -35,9 +34,8 @@ struct VirtualMicroscope::Parts {
           scene(makeScene()),
           motor(settings.motor, TimeScale{settings.timeScale}, std::llround(best) + settings.startOffset),
           sensor(seedOf(settings, NOISE_SEED), settings.photos ? 0 : settings.noise), controller(motor, gate),
-          service(controller, settings.unit), camera({seedOf(settings, DROP_SEED), settings.framesPerSecond,
-                                                      settings.droppedFrames, TimeScale{settings.timeScale}},
-                                                     *scene, sensor, motor, gate)
+          service(controller, settings.unit),
+          camera({settings.framesPerSecond, TimeScale{settings.timeScale}}, *scene, sensor, motor, gate)
     {
         controller.setFaults(settings.faults);
     }
@@ -50,9 +48,10 @@ struct VirtualMicroscope::Parts {
             best = findBestPlane(*photos, settings.magnification);
             return photos;
         }
-        specimen = makeSpecimen(seedOf(settings, SPECIMEN_SEED), objective, settings.width, settings.height);
+        specimen = makeSpecimen({seedOf(settings, SPECIMEN_SEED), settings.magnification, objective.depthOfFieldSteps(),
+                                 settings.width, settings.height});
         auto optics = std::make_unique<Optics>(specimen, objective);
-        truth = sharpView(*optics);
+        truth = optics->sharpPicture();
         best = findBestFocus(*optics, specimen, objective);
         specimen.colour.values = {}; // only the relief is needed from now on
         specimen.light = {};
@@ -104,11 +103,6 @@ void VirtualMicroscope::deliverFrame()
     parts_->camera.deliverFrame();
 }
 
-Image VirtualMicroscope::view(std::int64_t position) const
-{
-    return noiselessView(*parts_->scene, static_cast<double>(position));
-}
-
 std::int64_t VirtualMicroscope::position() const
 {
     return parts_->motor.position(Clock::now());
@@ -134,11 +128,6 @@ double VirtualMicroscope::depthOfField() const
     return parts_->objective.depthOfFieldSteps();
 }
 
-bool VirtualMicroscope::hasTruth() const
-{
-    return !parts_->settings.photos;
-}
-
 const Image& VirtualMicroscope::truth() const
 {
     return parts_->truth;
@@ -147,11 +136,6 @@ const Image& VirtualMicroscope::truth() const
 const std::vector<float>& VirtualMicroscope::heightMap() const
 {
     return parts_->specimen.heightMap;
-}
-
-Faults VirtualMicroscope::faults() const
-{
-    return parts_->controller.faults();
 }
 
 void VirtualMicroscope::setFaults(const Faults& faults)

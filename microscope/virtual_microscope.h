@@ -52,28 +52,24 @@ public:
     // Exposes one frame now and hands it to the sink, on the calling thread, while started. For tests and benchmarks.
     void deliverFrame();
 
-    // The frame that the camera would see at a position, without noise. Any thread.
-    Image view(std::int64_t position) const;
-
     std::int64_t position() const;           // of the focus now, in mid-move too
     void setPosition(std::int64_t position); // at once, as by hand; a move under way ends there
     bool isMoving() const;
 
     // The truth.
 
-    // Motor steps. The position whose view comes closest to the sharp image, in the central part of the field that the
+    // Motor steps. The position whose frame comes closest to the sharp image, in the central part of the field that the
     // library's autofocus looks at with this magnification. With photographs it is no truth, but the plane of greatest
     // contrast there.
     double bestFocus() const;
 
-    double depthOfField() const;                 // of the objective, motor steps, in all (half of it on either side)
-    bool hasTruth() const;                       // false with photographs: the next two are then empty
-    const Image& truth() const;                  // sharp everywhere, without noise
-    const std::vector<float>& heightMap() const; // for each pixel, row by row, the position where it is in focus
+    double depthOfField() const; // of the objective, motor steps, in all (half of it on either side)
+    const Image& truth() const;  // sharp everywhere, without noise; empty with photographs
+    const std::vector<float>&
+    heightMap() const; // for each pixel, row by row, the position where it is in focus; likewise
 
     // The drive.
 
-    Faults faults() const; // what is left of them
     void setFaults(const Faults& faults);
     std::vector<LoggedRequest> requestLog() const; // the newest 10,000
     bool driveHasVanished() const;

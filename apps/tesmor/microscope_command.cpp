@@ -64,7 +64,7 @@ void setSize(microscope::Settings& settings, const QString& text)
 
 microscope::Settings settingsOf(const QCommandLineParser& parser)
 {
-    constexpr int MOST_STEPS = 400000; // the end stops
+    constexpr auto MOST_STEPS = static_cast<int>(microscope::MotorSettings{}.highEnd);
     microscope::Settings settings;
     settings.magnification = static_cast<std::uint16_t>(
         integerOf("the magnification", parser.value("magnification"), 1, std::numeric_limits<std::uint16_t>::max()));

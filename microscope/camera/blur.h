@@ -1,16 +1,9 @@
 // Gaussian blur of an image of three interleaved channels.
 #pragma once
 
-#include <cstdint>
-#include <vector>
+#include "microscope/specimen/specimen.h"
 
 namespace tesmor::microscope {
-
-struct ColourField {
-    std::int32_t width = 0;    // pixels
-    std::int32_t height = 0;   // pixels
-    std::vector<float> values; // three a pixel, row by row
-};
 
 // The image as it would be with everything spread by `sigma` pixels (standard deviation, more than 0); beyond its edges
 // the image goes on mirrored. Three passes of a box with fractional ends, whose variance is exact.

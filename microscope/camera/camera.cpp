@@ -1,7 +1,5 @@
 #include "microscope/camera/camera.h"
 
-#include "microscope/specimen/random.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -61,8 +59,6 @@ void Camera::exposeFrame()
 {
     std::lock_guard guard(frameMutex_);
     const std::uint64_t number = nextNumber_++;
-    if (Random(settings_.seed + number).uniform() < settings_.droppedFrames)
-        return;
     bool delivered = false;
     while (!delivered && !stopping_) {
         const std::uint64_t exposure = gate_.beginExposure();

@@ -6,21 +6,17 @@
 #include "microscope/camera/sensor.h"
 #include "microscope/drive/acknowledgement_gate.h"
 #include "microscope/drive/motor.h"
-#include "microscope/drive/time_scale.h"
 
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <mutex>
-#include <optional>
 #include <thread>
 
 namespace tesmor::microscope {
 
 struct CameraSettings {
-    std::uint64_t seed;
     double framesPerSecond; // 0: no thread
-    double droppedFrames;   // share, 0 to 1
     TimeScale timeScale;
 };
 

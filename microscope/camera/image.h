@@ -30,7 +30,7 @@ struct Frame {
     const std::uint8_t* pixels; // valid during the sink's call only
     std::int32_t width;
     std::int32_t height;
-    std::uint64_t number;  // 0, 1, ...; a dropped frame leaves a gap
+    std::uint64_t number;  // 0, 1, ...
     std::int64_t position; // motor steps: the focus position that the frame shows
 };
 

@@ -11,8 +11,7 @@ inline constexpr double STEPS_PER_MICROMETRE = 512;
 
 inline constexpr double WAVELENGTH_UM = 0.55;      // of the light
 inline constexpr double CONDENSER_APERTURE = 0.65; // numerical, of a simple condenser
-inline constexpr double SENSOR_PIXEL_UM = 3.45;    // of a sensor 1280 pixels wide
-inline constexpr double SENSOR_WIDTH_PIXELS = 1280;
+inline constexpr double SENSOR_PIXEL_UM = 3.45;    // of a sensor with FIELD_WIDTH pixels in a row
 
 struct Objective {
     std::uint16_t magnification;

@@ -1,6 +1,7 @@
 #include "microscope/camera/optics.h"
 
 #include "microscope/camera/blur.h"
+#include "microscope/camera/sensor.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,7 +30,7 @@ Optics::Optics(const Specimen& specimen, const Objective& objective)
     : width_(specimen.colour.width), height_(specimen.colour.height), heightMap_(specimen.heightMap)
 {
     makePictures(specimen);
-    makeMixes(objective.blurPerStep() * width_ / SENSOR_WIDTH_PIXELS, objective.depthOfFieldSteps());
+    makeMixes(objective.blurPerStep() * width_ / FIELD_WIDTH, objective.depthOfFieldSteps());
 }
 
 void Optics::makePictures(const Specimen& specimen)
@@ -81,6 +82,15 @@ std::span<const std::uint16_t> Optics::sharpRow(std::int32_t row) const
 {
     const std::size_t size = 3 * static_cast<std::size_t>(width_);
     return std::span(pictures_.front()).subspan(size * static_cast<std::size_t>(row), size);
+}
+
+Image Optics::sharpPicture() const
+{
+    const Sensor ideal(0, 0);
+    Image image(width_, height_);
+    for (std::int32_t row = 0; row < height_; ++row)
+        ideal.expose(sharpRow(row), 0, row, image.pixels.data() + rowBytes(width_) * static_cast<std::size_t>(row));
+    return image;
 }
 
 } // namespace tesmor::microscope

@@ -1,6 +1,7 @@
 // The specimen seen through an objective: every part of it blurred by its distance from the focus.
 #pragma once
 
+#include "microscope/camera/image.h"
 #include "microscope/camera/objective.h"
 #include "microscope/camera/scene.h"
 #include "microscope/specimen/specimen.h"
@@ -29,8 +30,9 @@ public:
 
     void renderRow(double position, std::int32_t row, std::span<std::uint16_t> pixels) const override;
 
-    // A row of the picture that is sharp everywhere.
+    // The picture that is sharp everywhere: a row of it, and all of it as an ideal sensor would take it.
     std::span<const std::uint16_t> sharpRow(std::int32_t row) const;
+    Image sharpPicture() const;
 
 private:
     // Between which two of the pictures, and how far: 0 is the first, ONE the second.

@@ -26,12 +26,12 @@ void PhotoScene::renderRow(double position, std::int32_t row, std::span<std::uin
 {
     const auto last = static_cast<double>(planes_.images.size() - 1);
     const double plane = std::clamp(position / planes_.stepsPerPlane, 0.0, last);
-    const double lower = planes_.blend ? std::floor(plane) : std::round(plane);
+    const double lower = std::floor(plane);
     const double upper = std::min(lower + 1, last);
     const std::size_t start = rowBytes(width()) * static_cast<std::size_t>(row);
     const std::uint8_t* const a = planes_.images[static_cast<std::size_t>(lower)].pixels.data() + start;
     const std::uint8_t* const b = planes_.images[static_cast<std::size_t>(upper)].pixels.data() + start;
-    const auto share = planes_.blend ? static_cast<std::int32_t>(std::lround((plane - lower) * LEVELS_PER_GREY)) : 0;
+    const auto share = static_cast<std::int32_t>(std::lround((plane - lower) * LEVELS_PER_GREY));
     for (std::size_t i = 0; i < pixels.size(); ++i)
         pixels[i] = static_cast<std::uint16_t>(a[i] * LEVELS_PER_GREY + (b[i] - a[i]) * share);
 }

@@ -1,12 +1,20 @@
-// Photographs replayed as the planes of the specimen.
+// A series of photographs that stands in for the specimen: what the camera sees at each focus position.
 #pragma once
 
-#include "microscope/camera/photo_planes.h"
+#include "microscope/camera/image.h"
 #include "microscope/camera/scene.h"
+
+#include <vector>
 
 namespace tesmor::microscope {
 
-// The first plane is at position 0. Before the first and after the last the view does not change any more.
+struct PhotoPlanes {
+    std::vector<Image> images;  // one or more, all of one size; in the order of rising focus position
+    double stepsPerPlane = 500; // motor steps between two neighbours, more than 0
+};
+
+// The first plane is at position 0. Between two planes the view is mixed of both; before the first and after the last it
+// does not change any more.
 class PhotoScene : public Scene {
 public:
     // Throws std::invalid_argument when there are no planes, their sizes differ or stepsPerPlane is not above 0.

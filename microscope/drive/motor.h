@@ -2,13 +2,33 @@
 // gear. Any thread.
 #pragma once
 
-#include "microscope/drive/motor_settings.h"
-#include "microscope/drive/time_scale.h"
-
+#include <chrono>
 #include <cstdint>
 #include <mutex>
 
 namespace tesmor::microscope {
+
+using Clock = std::chrono::steady_clock;
+
+// How many times faster than real the microscope runs; 0: nothing takes time.
+struct TimeScale {
+    double factor = 1;
+
+    // Real time that something takes which would take `seconds` on a real microscope.
+    Clock::duration realTime(double seconds) const
+    {
+        if (factor == 0)
+            return Clock::duration::zero();
+        return std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds / factor));
+    }
+};
+
+struct MotorSettings {
+    double stepsPerSecond = 51200;  // 0: moves take no time
+    std::int64_t backlash = 0;      // steps that turn nothing after each change of direction
+    std::int64_t lowEnd = -2000000; // end stops, motor steps; a move ends there and its other steps are lost
+    std::int64_t highEnd = 2000000;
+};
 
 class Motor {
 public:

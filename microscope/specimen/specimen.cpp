@@ -50,7 +50,7 @@ private:
     {
         const ValueNoise waves(random_.bits());
         const ValueNoise texture(random_.bits());
-        const double denseX = SENSOR_WIDTH_PIXELS * random_.between(0.4, 0.6);
+        const double denseX = FIELD_WIDTH * random_.between(0.4, 0.6);
         const double denseY = fieldHeight_ * random_.between(0.4, 0.6);
         waves_ = random_.bits();
         canvas_.lay(0, 0, 1e9, JELLY, [&](double x, double y) {
@@ -64,7 +64,7 @@ private:
     // Depths of field: pressed flat in the middle, bent up towards the edges.
     double groundAt(double x, double y) const
     {
-        const double right = 2 * x / SENSOR_WIDTH_PIXELS - 1;
+        const double right = 2 * x / FIELD_WIDTH - 1;
         const double down = 2 * y / fieldHeight_ - 1;
         const double awaySquared = (right * right + down * down) / 2; // 1 in the corners
         return 3.0 * awaySquared + 0.35 * ValueNoise(waves_).octaves(x, y, 300, 75, 0.4);
@@ -77,10 +77,9 @@ private:
     {
         const auto whole = static_cast<int>(count + random_.uniform());
         for (int i = 0; i < whole; ++i) {
-            const double x = SENSOR_WIDTH_PIXELS * random_.between(-0.03, 1.03);
+            const double x = FIELD_WIDTH * random_.between(-0.03, 1.03);
             const double y = fieldHeight_ * random_.between(-0.03, 1.03);
-            const double away =
-                std::hypot(2 * x / SENSOR_WIDTH_PIXELS - 1, 2 * y / fieldHeight_ - 1) / std::numbers::sqrt2;
+            const double away = std::hypot(2 * x / FIELD_WIDTH - 1, 2 * y / fieldHeight_ - 1) / std::numbers::sqrt2;
             const double height = groundAt(x, y) + 2.5 * spread * (away * away + 0.1) * random_.between(-1, 1);
             layAt({x, y, height});
         }
@@ -111,9 +110,10 @@ std::vector<float> unevenLight(std::int32_t width, std::int32_t height)
 
 } // namespace
 
-Specimen makeSpecimen(std::uint64_t seed, const Objective& objective, std::int32_t width, std::int32_t height)
+Specimen makeSpecimen(const SpecimenSettings& settings)
 {
-    const Canvas canvas = Maker(seed, sizeAt(objective.magnification), width, height).make();
+    const auto [seed, magnification, depthOfField, width, height] = settings;
+    const Canvas canvas = Maker(seed, sizeAt(magnification), width, height).make();
     Specimen specimen{{width, height, {}}, {}, unevenLight(width, height)};
     specimen.colour.values.reserve(3 * canvas.density.size());
     for (const auto& density : canvas.density) {
@@ -123,7 +123,7 @@ Specimen makeSpecimen(std::uint64_t seed, const Objective& objective, std::int32
         }
     }
     for (const float relief : canvas.relief)
-        specimen.heightMap.push_back(static_cast<float>(relief * objective.depthOfFieldSteps()));
+        specimen.heightMap.push_back(static_cast<float>(relief * depthOfField));
     return specimen;
 }
 

@@ -1,15 +1,22 @@
 // What lies on the slide: a drop of pond water with stained tissue, made up from the seed.
 #pragma once
 
-#include "microscope/camera/blur.h"
-#include "microscope/camera/objective.h"
-
 #include <cstdint>
 #include <vector>
 
 namespace tesmor::microscope {
 
-// The picture has detail at all scales, from single pixels to the whole field. The relief fits the objective: flat, but
+// Places on the slide are told in pixels of a field this wide, whatever the picture's size.
+inline constexpr double FIELD_WIDTH = 1280;
+
+// An image of three interleaved channels.
+struct ColourField {
+    std::int32_t width = 0;    // pixels
+    std::int32_t height = 0;   // pixels
+    std::vector<float> values; // three a pixel, row by row
+};
+
+// The picture has detail at all scales, from single pixels to the whole field. The relief fits the depth of field: flat, but
 // for some waves, in the middle, bent up towards the edges, with cells, shells and fibres lying above and below, steps
 // at their outlines; some six depths of field in all.
 struct Specimen {
@@ -18,6 +25,14 @@ struct Specimen {
     std::vector<float> light;     // for each pixel the share of the light that reaches it
 };
 
-Specimen makeSpecimen(std::uint64_t seed, const Objective& objective, std::int32_t width, std::int32_t height);
+struct SpecimenSettings {
+    std::uint64_t seed;
+    std::uint16_t magnification; // that it is looked at with
+    double depthOfField;         // then; motor steps
+    std::int32_t width;          // of the picture, pixels
+    std::int32_t height;
+};
+
+Specimen makeSpecimen(const SpecimenSettings& settings);
 
 } // namespace tesmor::microscope

@@ -1,11 +1,11 @@
 #include "microscope/specimen/specimen_canvas.h"
 
-#include "microscope/camera/objective.h"
+#include "microscope/specimen/specimen.h"
 
 namespace tesmor::microscope {
 
 Canvas::Canvas(std::int32_t pictureWidth, std::int32_t pictureHeight)
-    : width(pictureWidth), height(pictureHeight), scale(pictureWidth / SENSOR_WIDTH_PIXELS),
+    : width(pictureWidth), height(pictureHeight), scale(pictureWidth / FIELD_WIDTH),
       density(static_cast<std::size_t>(pictureWidth) * static_cast<std::size_t>(pictureHeight)), relief(density.size())
 {
 }

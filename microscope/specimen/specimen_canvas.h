@@ -23,11 +23,11 @@ struct Touch {
     double height;  // depths of field
 };
 
-// Coordinates are pixels of a field 1280 wide, whatever the size of the picture.
+// Coordinates are those of the slide; see FIELD_WIDTH.
 struct Canvas {
     std::int32_t width; // of the picture, pixels
     std::int32_t height;
-    double scale; // picture pixels for each pixel of the field
+    double scale; // picture pixels for each of a coordinate
     std::vector<std::array<float, 3>> density;
     std::vector<float> relief; // depths of field
 

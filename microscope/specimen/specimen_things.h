@@ -1,4 +1,4 @@
-// The things in the specimen. Lengths in pixels of a field 1280 wide, heights in depths of field.
+// The things in the specimen. Lengths in coordinates of the slide, heights in depths of field.
 #pragma once
 
 #include "microscope/specimen/random.h"

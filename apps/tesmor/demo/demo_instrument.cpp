@@ -22,7 +22,7 @@ microscope::Settings settingsFor(const DemoOptions& options, LiveLine::Style sty
     settings.magnification = options.magnification;
     if (options.planes) {
         const auto distance = static_cast<double>(stepsPerPlane(options.magnification));
-        settings.photos = microscope::PhotoPlanes{readPlanes(*options.planes, style), distance, true};
+        settings.photos = microscope::PhotoPlanes{readPlanes(*options.planes, style), distance};
     }
     return settings;
 }
