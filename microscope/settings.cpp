@@ -2,6 +2,7 @@
 
 #include "microscope/camera/objective.h"
 
+#include <cmath>
 #include <stdexcept>
 #include <utility>
 
@@ -23,6 +24,9 @@ Settings checkedSettings(Settings settings)
     require(settings.unit < 16, "unit must be 0 to 15");
     require(settings.framesPerSecond >= 0, "frames per second must not be negative");
     require(settings.noise >= 0 && settings.noise <= 20, "noise must be 0 to 20 grey levels");
+    require(std::abs(settings.motion.breathing) <= 0.01, "breathing must be -0.01 to 0.01 for each depth of field");
+    require(settings.motion.drift >= 0 && settings.motion.drift <= 64, "drift must be 0 to 64 pixels");
+    require(settings.motion.turn >= 0 && settings.motion.turn <= 5, "turn must be 0 to 5 degrees");
     require(settings.timeScale >= 0, "time scale must not be negative");
     require(settings.motor.stepsPerSecond >= 0, "motor speed must not be negative");
     require(settings.motor.backlash >= 0, "backlash must not be negative");
@@ -30,6 +34,7 @@ Settings checkedSettings(Settings settings)
     if (settings.photos && !settings.photos->images.empty()) {
         settings.width = settings.photos->images.front().width;
         settings.height = settings.photos->images.front().height;
+        settings.motion = {};
     }
     require(settings.width >= 64 && settings.width <= 16384, "frame width must be 64 to 16384 pixels");
     require(settings.height >= 64 && settings.height <= 16384, "frame height must be 64 to 16384 pixels");

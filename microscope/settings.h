@@ -1,6 +1,7 @@
 #pragma once
 
 #include "microscope/camera/photo_scene.h"
+#include "microscope/camera/picture_motion.h"
 #include "microscope/drive/faults.h"
 #include "microscope/drive/motor.h"
 
@@ -22,6 +23,7 @@ struct Settings {
     double timeScale = 1;        // motor and camera run this many times faster than real; 0: they take no time at
                                  // all, and the camera delivers frames as fast as it can
     MotorSettings motor;
+    MotionSettings motion;             // of the picture; photographs get none
     Faults faults;                     // at first
     std::optional<PhotoPlanes> photos; // instead of the specimen; they set the frame's size
 };

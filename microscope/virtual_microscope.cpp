@@ -19,11 +19,36 @@ namespace tesmor::microscope {
 namespace {
 
 // Seeds that differ, of things that are to differ.
-enum : std::uint64_t { SPECIMEN_SEED = 1, NOISE_SEED };
+enum : std::uint64_t { SPECIMEN_SEED = 1, NOISE_SEED, MOTION_SEED };
 
 std::uint64_t seedOf(const Settings& settings, std::uint64_t thing)
 {
     return scramble(settings.seed * 3 + thing);
+}
+
+// As an ideal sensor would take it.
+Image sharpFrame(const Picture& sharp, const Warp& warp)
+{
+    const Sensor ideal(0, 0);
+    Image image(sharp.width, sharp.height);
+    std::vector<std::uint16_t> pixels(3 * static_cast<std::size_t>(sharp.width));
+    for (std::int32_t row = 0; row < sharp.height; ++row) {
+        showRow(sharp, warp, row, pixels);
+        ideal.expose(pixels, 0, row, image.pixels.data() + rowBytes(image.width) * static_cast<std::size_t>(row));
+    }
+    return image;
+}
+
+// What of the picture's values, one a pixel, lies in the frame.
+std::vector<float> middleOf(const std::vector<float>& values, const Picture& picture)
+{
+    std::vector<float> middle;
+    for (std::int32_t row = 0; row < picture.height; ++row) {
+        const auto first = values.begin() + picture.margin +
+                           static_cast<std::ptrdiff_t>(row + picture.margin) * (picture.width + 2 * picture.margin);
+        middle.insert(middle.end(), first, first + picture.width);
+    }
+    return middle;
 }
 
 } // namespace
@@ -35,12 +60,15 @@ struct VirtualMicroscope::Parts {
           motor(settings.motor, TimeScale{settings.timeScale}, std::llround(best) + settings.startOffset),
           sensor(seedOf(settings, NOISE_SEED), settings.photos ? 0 : settings.noise), controller(motor, gate),
           service(controller, settings.unit),
-          camera({settings.framesPerSecond, TimeScale{settings.timeScale}}, *scene, sensor, motor, gate)
+          camera({settings.framesPerSecond,
+                  TimeScale{settings.timeScale},
+                  {settings.motion, seedOf(settings, MOTION_SEED), best, objective.depthOfFieldSteps()}},
+                 *scene, sensor, motor, gate)
     {
         controller.setFaults(settings.faults);
     }
 
-    // Fills in specimen, best and truth too.
+    // Fills in optics, best, truth and heightMap too.
     std::unique_ptr<Scene> makeScene()
     {
         if (settings.photos) {
@@ -48,21 +76,24 @@ struct VirtualMicroscope::Parts {
             best = findBestPlane(*photos, settings.magnification);
             return photos;
         }
-        specimen = makeSpecimen({seedOf(settings, SPECIMEN_SEED), settings.magnification, objective.depthOfFieldSteps(),
-                                 settings.width, settings.height});
-        auto optics = std::make_unique<Optics>(specimen, objective);
-        truth = optics->sharpPicture();
-        best = findBestFocus(*optics, specimen, objective);
-        specimen.colour.values = {}; // only the relief is needed from now on
-        specimen.light = {};
-        return optics;
+        const std::int32_t margin = marginFor(settings.motion, settings.width, settings.height);
+        auto made = std::make_unique<Optics>(
+            makeSpecimen({seedOf(settings, SPECIMEN_SEED), settings.magnification, objective.depthOfFieldSteps(),
+                          settings.width, settings.height, margin}),
+            objective);
+        best = findBestFocus(*made, objective);
+        truth = sharpFrame(made->sharp(), Warp{});
+        heightMap = middleOf(made->heightMap(), made->sharp());
+        optics = made.get();
+        return made;
     }
 
     Settings settings;
     const Objective objective;
-    Specimen specimen;
+    const Optics* optics = nullptr; // the scene, unless that is photographs
     double best = 0;
     Image truth;
+    std::vector<float> heightMap;
     const std::unique_ptr<Scene> scene;
     Motor motor;
     AcknowledgementGate gate;
@@ -133,9 +164,14 @@ const Image& VirtualMicroscope::truth() const
     return parts_->truth;
 }
 
+Image VirtualMicroscope::truth(const Warp& warp) const
+{
+    return parts_->optics ? sharpFrame(parts_->optics->sharp(), warp) : Image();
+}
+
 const std::vector<float>& VirtualMicroscope::heightMap() const
 {
-    return parts_->specimen.heightMap;
+    return parts_->heightMap;
 }
 
 void VirtualMicroscope::setFaults(const Faults& faults)

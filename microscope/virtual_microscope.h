@@ -14,6 +14,11 @@
 //   The same settings give the same specimen, and the same frame, to the byte, for the same position and frame number,
 //   on every system.
 //
+// Motion
+//   With settings.motion the picture breathes with the focus and drifts; each frame tells its exact warp. For a drifting
+//   stack set framesPerSecond and timeScale to 0, then setPosition and deliverFrame for each slice. truth(warp) is what
+//   merging should give when all slices were laid over the one with that warp.
+//
 // Threads
 //   start, stop and deliverFrame are called from one thread at a time, never from the sink. All other functions may be
 //   called from any thread at any time, the sink included. The sink runs on the camera's thread, or within deliverFrame.
@@ -64,9 +69,13 @@ public:
     double bestFocus() const;
 
     double depthOfField() const; // of the objective, motor steps, in all (half of it on either side)
-    const Image& truth() const;  // sharp everywhere, without noise; empty with photographs
-    const std::vector<float>&
-    heightMap() const; // for each pixel, row by row, the position where it is in focus; likewise
+
+    // Sharp everywhere, without noise; empty with photographs. Still, and as a frame with that warp shows it.
+    const Image& truth() const;
+    Image truth(const Warp& warp) const;
+
+    // For each pixel, row by row, the position where it is in focus; empty with photographs.
+    const std::vector<float>& heightMap() const;
 
     // The drive.
 

@@ -10,13 +10,20 @@ namespace tesmor::microscope {
 
 namespace {
 
+// The region's part of a row of the scene.
+template <class Levels>
+auto partOf(std::span<Levels> row, const Scene& scene, const Region& region)
+{
+    return row.subspan(3 * static_cast<std::size_t>(scene.margin() + region.left),
+                       3 * static_cast<std::size_t>(region.width));
+}
+
 // Calls use(row, brightness of that row's part in the region).
 template <class Use>
 void forEachRow(const Scene& scene, const Region& region, double position, Use use)
 {
-    std::vector<std::uint16_t> pixels(3 * static_cast<std::size_t>(scene.width()));
-    const auto part = std::span(pixels).subspan(3 * static_cast<std::size_t>(region.left),
-                                                3 * static_cast<std::size_t>(region.width));
+    std::vector<std::uint16_t> pixels(3 * static_cast<std::size_t>(scene.width() + 2 * scene.margin()));
+    const auto part = partOf(std::span(pixels), scene, region);
     for (std::int32_t row = region.top; row < region.top + region.height; ++row) {
         scene.renderRow(position, row, pixels);
         use(row, part);
@@ -27,7 +34,7 @@ double distanceFromSharp(const Optics& optics, const Region& region, double posi
 {
     double sum = 0;
     forEachRow(optics, region, position, [&](std::int32_t row, std::span<const std::uint16_t> seen) {
-        const auto sharp = optics.sharpRow(row).subspan(3 * static_cast<std::size_t>(region.left), seen.size());
+        const auto sharp = partOf(optics.sharp().row(row), optics, region);
         for (std::size_t i = 0; i < seen.size(); ++i) {
             const double difference = seen[i] - sharp[i];
             sum += difference * difference;
@@ -69,11 +76,11 @@ double cheapest(double low, double high, double step, Cost cost)
 
 } // namespace
 
-double findBestFocus(const Optics& optics, const Specimen& specimen, const Objective& objective)
+double findBestFocus(const Optics& optics, const Objective& objective)
 {
     const Region region = centralRegion(optics.width(), optics.height(), objective.magnification);
     const auto cost = [&](double position) { return distanceFromSharp(optics, region, position); };
-    const auto [lowest, highest] = std::ranges::minmax(specimen.heightMap);
+    const auto [lowest, highest] = std::ranges::minmax(optics.heightMap());
     const double coarse = objective.depthOfFieldSteps() / 4;
     const double near = cheapest(lowest, highest, coarse, cost);
     return cheapest(near - coarse, near + coarse, coarse / 8, cost);

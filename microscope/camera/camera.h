@@ -2,6 +2,7 @@
 #pragma once
 
 #include "microscope/camera/image.h"
+#include "microscope/camera/picture_motion.h"
 #include "microscope/camera/scene.h"
 #include "microscope/camera/sensor.h"
 #include "microscope/drive/acknowledgement_gate.h"
@@ -18,6 +19,7 @@ namespace tesmor::microscope {
 struct CameraSettings {
     double framesPerSecond; // 0: no thread
     TimeScale timeScale;
+    PictureMotion motion;
 };
 
 // start, stop and deliverFrame from one thread at a time.
@@ -41,7 +43,8 @@ public:
 private:
     void run();
     void exposeFrame();
-    void readOut(std::int64_t position, std::uint64_t number);
+    void readOut(std::int64_t position, std::uint64_t number, const Warp& warp);
+    void exposeRow(std::span<const std::uint16_t> levels, std::uint64_t number, std::int32_t row);
 
     const CameraSettings settings_;
     const Scene& scene_;
@@ -53,7 +56,8 @@ private:
     FrameSink sink_;
     std::uint64_t nextNumber_ = 0;
     Image image_;
-    std::vector<std::uint16_t> row_;
+    std::vector<std::uint16_t> row_;   // of the scene, margins included
+    std::vector<std::uint16_t> whole_; // all rows of the scene, once the picture moves
 
     std::mutex stopMutex_; // for the pause between frames
     std::condition_variable stopSignal_;

@@ -2,6 +2,8 @@
 // multiple of 4 bytes.
 #pragma once
 
+#include "microscope/camera/warp.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -32,6 +34,7 @@ struct Frame {
     std::int32_t height;
     std::uint64_t number;  // 0, 1, ...
     std::int64_t position; // motor steps: the focus position that the frame shows
+    Warp warp;             // how it lies over the still picture
 };
 
 // Takes each frame, one at a time. It must not call start, stop or deliverFrame.

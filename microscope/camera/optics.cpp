@@ -1,10 +1,10 @@
 #include "microscope/camera/optics.h"
 
 #include "microscope/camera/blur.h"
-#include "microscope/camera/sensor.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tesmor::microscope {
 
@@ -26,8 +26,9 @@ std::vector<std::uint16_t> asLevels(const ColourField& picture, const std::vecto
 
 } // namespace
 
-Optics::Optics(const Specimen& specimen, const Objective& objective)
-    : width_(specimen.colour.width), height_(specimen.colour.height), heightMap_(specimen.heightMap)
+Optics::Optics(Specimen specimen, const Objective& objective)
+    : margin_(specimen.margin), width_(specimen.colour.width - 2 * margin_),
+      height_(specimen.colour.height - 2 * margin_), heightMap_(std::move(specimen.heightMap))
 {
     makePictures(specimen);
     makeMixes(objective.blurPerStep() * width_ / FIELD_WIDTH, objective.depthOfFieldSteps());
@@ -67,8 +68,9 @@ void Optics::renderRow(double position, std::int32_t row, std::span<std::uint16_
 {
     const auto focus = static_cast<float>(position);
     const auto last = static_cast<float>(mixes_.size() - 1);
-    const std::size_t start = static_cast<std::size_t>(row) * static_cast<std::size_t>(width_);
-    for (std::size_t x = 0; x < static_cast<std::size_t>(width_); ++x) {
+    const auto rowWidth = static_cast<std::size_t>(width_ + 2 * margin_);
+    const std::size_t start = static_cast<std::size_t>(row + margin_) * rowWidth;
+    for (std::size_t x = 0; x < rowWidth; ++x) {
         const float distance = std::abs(focus - heightMap_[start + x]) * mixesPerStep_;
         const Mix mix = mixes_[static_cast<std::size_t>(std::min(distance, last))];
         const std::uint16_t* const a = pictures_[mix.picture].data() + 3 * (start + x);
@@ -76,21 +78,6 @@ void Optics::renderRow(double position, std::int32_t row, std::span<std::uint16_
         for (std::size_t c = 0; c < 3; ++c)
             pixels[3 * x + c] = static_cast<std::uint16_t>(a[c] + ((b[c] - a[c]) * mix.share >> SHARE_BITS));
     }
-}
-
-std::span<const std::uint16_t> Optics::sharpRow(std::int32_t row) const
-{
-    const std::size_t size = 3 * static_cast<std::size_t>(width_);
-    return std::span(pictures_.front()).subspan(size * static_cast<std::size_t>(row), size);
-}
-
-Image Optics::sharpPicture() const
-{
-    const Sensor ideal(0, 0);
-    Image image(width_, height_);
-    for (std::int32_t row = 0; row < height_; ++row)
-        ideal.expose(sharpRow(row), 0, row, image.pixels.data() + rowBytes(width_) * static_cast<std::size_t>(row));
-    return image;
 }
 
 } // namespace tesmor::microscope

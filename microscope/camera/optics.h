@@ -1,9 +1,9 @@
 // The specimen seen through an objective: every part of it blurred by its distance from the focus.
 #pragma once
 
-#include "microscope/camera/image.h"
 #include "microscope/camera/objective.h"
 #include "microscope/camera/scene.h"
+#include "microscope/camera/warp.h"
 #include "microscope/specimen/specimen.h"
 
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace tesmor::microscope {
 // at a quarter of the picture's width.
 class Optics : public Scene {
 public:
-    Optics(const Specimen& specimen, const Objective& objective);
+    Optics(Specimen specimen, const Objective& objective);
 
     std::int32_t width() const override
     {
@@ -28,11 +28,24 @@ public:
         return height_;
     }
 
+    std::int32_t margin() const override
+    {
+        return margin_;
+    }
+
     void renderRow(double position, std::int32_t row, std::span<std::uint16_t> pixels) const override;
 
-    // The picture that is sharp everywhere: a row of it, and all of it as an ideal sensor would take it.
-    std::span<const std::uint16_t> sharpRow(std::int32_t row) const;
-    Image sharpPicture() const;
+    // The picture that is sharp everywhere.
+    Picture sharp() const
+    {
+        return {width_, height_, margin_, pictures_.front()};
+    }
+
+    // For each pixel the position where it is in focus; of the whole picture.
+    const std::vector<float>& heightMap() const
+    {
+        return heightMap_;
+    }
 
 private:
     // Between which two of the pictures, and how far: 0 is the first, ONE the second.
@@ -45,9 +58,10 @@ private:
     void makePictures(const Specimen& specimen);
     void makeMixes(double blurPerStep, double depthOfField);
 
+    const std::int32_t margin_;
     const std::int32_t width_;
     const std::int32_t height_;
-    const std::vector<float>& heightMap_; // the specimen's
+    const std::vector<float> heightMap_;
 
     std::vector<double> sigmas_; // pixels; of the pictures, from sharp to widest
     std::vector<std::vector<std::uint16_t>> pictures_;

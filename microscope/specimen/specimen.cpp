@@ -24,8 +24,9 @@ double sizeAt(std::uint16_t magnification)
 
 class Maker {
 public:
-    Maker(std::uint64_t seed, double size, std::int32_t width, std::int32_t height)
-        : random_(seed), size_(size), canvas_(width, height), fieldHeight_(height / canvas_.scale)
+    explicit Maker(const SpecimenSettings& settings)
+        : random_(settings.seed), size_(sizeAt(settings.magnification)),
+          canvas_(settings.width, settings.height, settings.margin), fieldHeight_(settings.height / canvas_.scale)
     {
     }
 
@@ -93,12 +94,11 @@ private:
 };
 
 // The corners get less light than the middle, and one side less than the other.
-std::vector<float> unevenLight(std::int32_t width, std::int32_t height)
+std::vector<float> unevenLight(std::int32_t width, std::int32_t height, std::int32_t margin)
 {
     std::vector<float> light;
-    light.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-    for (std::int32_t row = 0; row < height; ++row) {
-        for (std::int32_t column = 0; column < width; ++column) {
+    for (std::int32_t row = -margin; row < height + margin; ++row) {
+        for (std::int32_t column = -margin; column < width + margin; ++column) {
             const double right = (2 * column + 1.0) / width - 1;
             const double down = (2 * row + 1.0) / height - 1;
             const double awaySquared = (right * right + down * down) / 2;
@@ -112,9 +112,11 @@ std::vector<float> unevenLight(std::int32_t width, std::int32_t height)
 
 Specimen makeSpecimen(const SpecimenSettings& settings)
 {
-    const auto [seed, magnification, depthOfField, width, height] = settings;
-    const Canvas canvas = Maker(seed, sizeAt(magnification), width, height).make();
-    Specimen specimen{{width, height, {}}, {}, unevenLight(width, height)};
+    const Canvas canvas = Maker(settings).make();
+    Specimen specimen{settings.margin,
+                      {canvas.width, canvas.height, {}},
+                      {},
+                      unevenLight(settings.width, settings.height, settings.margin)};
     specimen.colour.values.reserve(3 * canvas.density.size());
     for (const auto& density : canvas.density) {
         for (std::size_t channel = 0; channel < 3; ++channel) {
@@ -123,7 +125,7 @@ Specimen makeSpecimen(const SpecimenSettings& settings)
         }
     }
     for (const float relief : canvas.relief)
-        specimen.heightMap.push_back(static_cast<float>(relief * depthOfField));
+        specimen.heightMap.push_back(static_cast<float>(relief * settings.depthOfField));
     return specimen;
 }
 

@@ -4,9 +4,10 @@
 
 namespace tesmor::microscope {
 
-Canvas::Canvas(std::int32_t pictureWidth, std::int32_t pictureHeight)
-    : width(pictureWidth), height(pictureHeight), scale(pictureWidth / FIELD_WIDTH),
-      density(static_cast<std::size_t>(pictureWidth) * static_cast<std::size_t>(pictureHeight)), relief(density.size())
+Canvas::Canvas(std::int32_t frameWidth, std::int32_t frameHeight, std::int32_t pictureMargin)
+    : width(frameWidth + 2 * pictureMargin), height(frameHeight + 2 * pictureMargin), margin(pictureMargin),
+      scale(frameWidth / FIELD_WIDTH), density(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)),
+      relief(density.size())
 {
 }
 

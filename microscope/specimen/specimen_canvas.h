@@ -27,19 +27,20 @@ struct Touch {
 struct Canvas {
     std::int32_t width; // of the picture, pixels
     std::int32_t height;
-    double scale; // picture pixels for each of a coordinate
+    std::int32_t margin; // of the picture, around the frame that the coordinates belong to, pixels
+    double scale;        // picture pixels for each of a coordinate
     std::vector<std::array<float, 3>> density;
     std::vector<float> relief; // depths of field
 
-    Canvas(std::int32_t pictureWidth, std::int32_t pictureHeight);
+    Canvas(std::int32_t frameWidth, std::int32_t frameHeight, std::int32_t pictureMargin);
 
     // Calls touch(x, y) for each pixel within `reach` of (x, y) and lays what it returns on the slide. What covers more
     // than half of a pixel hides what was below in height, never in colour: everything is translucent.
     template <class TouchAt>
     void lay(double x, double y, double reach, const Dye& dye, TouchAt touchAt)
     {
-        const auto inside = [](double value, std::int32_t end) {
-            return static_cast<std::int32_t>(std::fmin(std::fmax(value, 0), end));
+        const auto inside = [this](double value, std::int32_t end) {
+            return static_cast<std::int32_t>(std::fmin(std::fmax(value + margin, 0), end));
         };
         const std::int32_t left = inside((x - reach) * scale, width);
         const std::int32_t right = inside((x + reach) * scale + 1, width);
@@ -47,7 +48,7 @@ struct Canvas {
         const std::int32_t bottom = inside((y + reach) * scale + 1, height);
         for (std::int32_t row = top; row < bottom; ++row) {
             for (std::int32_t column = left; column < right; ++column) {
-                const Touch touch = touchAt((column + 0.5) / scale - x, (row + 0.5) / scale - y);
+                const Touch touch = touchAt((column - margin + 0.5) / scale - x, (row - margin + 0.5) / scale - y);
                 if (touch.cover > 0)
                     put(static_cast<std::size_t>(row) * static_cast<std::size_t>(width) +
                             static_cast<std::size_t>(column),
