@@ -1,5 +1,4 @@
 // Plots how the time of a fusion grows with the number of images and with their size. Argument: the picture to write.
-#include "api/library.h"
 #include "bare_transforms.h"
 #include "ratio.h"
 #include "stack.h"
@@ -133,7 +132,6 @@ int main(int count, char** arguments)
         std::fprintf(stderr, "usage: %s PICTURE\n", arguments[0]);
         return 2;
     }
-    tesmor::setUpLibrary(nullptr);
     if (!tesmor::bench::plot(QString::fromLocal8Bit(arguments[1]))) {
         std::fprintf(stderr, "%s: cannot be written\n", arguments[1]);
         return 1;

@@ -1,7 +1,7 @@
 // The idle frame hook, and what passes between the host's threads and the worker, against bare loads and wake-ups.
-#include "api/library.h"
 #include "bare_signal.h"
 #include "frames/frame_wait.h"
+#include "loaded_library.h"
 #include "placement.h"
 #include "ratio.h"
 #include "tesmor.h"
@@ -26,7 +26,7 @@ void idleHook(benchmark::State& state)
 {
     constexpr int calls = 1'000'000;
     const std::uint8_t pixel[4]{};
-    library.frameRequest = 0;
+    loadedSession().frameRequest = 0;
     const auto callOften = [&](auto hook) {
         for (int i = 0; i < calls; ++i)
             hook(pixel, 1, 1);
@@ -114,9 +114,11 @@ private:
 void requestToServed(benchmark::State& state)
 {
     const auto ignoreFrame = [](const std::uint8_t*, std::int32_t, std::int32_t, void*, std::int32_t) {};
-    library.commandBlock.command = CMD_CAPTURE;
-    library.commandBlock.frameCallback = ignoreFrame;
-    library.runFlag = 1;
+    Session& session = loadedSession();
+    FrameWait frames(session, platform::systemClock());
+    session.commandBlock.command = CMD_CAPTURE;
+    session.commandBlock.frameCallback = ignoreFrame;
+    session.runFlag = 1;
     BareSignal served;
     std::atomic<std::int32_t> request{0};
     const std::uint8_t pixel[4]{};
@@ -146,11 +148,11 @@ void requestToServed(benchmark::State& state)
         [&] {
             camera.run(true);
             for (int i = 0; i < ROUNDS; ++i)
-                waitForFrame();
+                frames.next();
             camera.run(false);
         },
         ROUNDS);
-    library.commandBlock.command = CMD_IDLE;
+    session.commandBlock.command = CMD_IDLE;
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-#include "api/library.h"
 #include "figures.h"
+#include "loaded_library.h"
 
 #include <benchmark/benchmark.h>
 #include <iostream>
@@ -7,7 +7,7 @@
 // What Google Benchmark tells goes to the standard error stream, the table to the standard output.
 int main(int count, char** arguments)
 {
-    tesmor::setUpLibrary(nullptr);
+    tesmor::bench::loadedSession();
     benchmark::Initialize(&count, arguments);
     if (benchmark::ReportUnrecognizedArguments(count, arguments))
         return 1;

@@ -1,7 +1,7 @@
 // Autofocus and stack capture on the virtual microscope, whose motor and camera take no time, against the same requests
 // and frame waits with nothing around them. Frames are as small as they can be, so that making them hides little.
-#include "api/library.h"
 #include "bare_signal.h"
+#include "loaded_library.h"
 #include "microscope/virtual_microscope.h"
 #include "placement.h"
 #include "platform/drive_device.h"
@@ -83,14 +83,13 @@ public:
     void replay(const Session& session)
     {
         bare_ = true;
-        const platform::DeviceHandle device = platform::openDevice(microscope_.settings().unit);
+        const auto device = platform::systemDriveUnits().open(microscope_.settings().unit);
         auto frame = session.requestsBeforeFrame.begin();
         for (std::size_t i = 0; i < session.requests.size(); ++i) {
             for (; frame != session.requestsBeforeFrame.end() && *frame == i; ++frame)
                 waitForBareFrame();
-            request(device, session.requests[i]);
+            request(*device, session.requests[i]);
         }
-        platform::closeDevice(device);
         bare_ = false;
     }
 
@@ -103,7 +102,7 @@ private:
                 bareServed_.set();
             return;
         }
-        if (recording_ && library.frameRequest != 0)
+        if (recording_ && loadedSession().frameRequest != 0)
             recorded_->requestsBeforeFrame.push_back(microscope_.requestLog().size());
         tesmor_video(frame.pixels, frame.width, frame.height);
     }
@@ -114,12 +113,11 @@ private:
         bareServed_.wait();
     }
 
-    void request(platform::DeviceHandle device, const std::vector<std::uint8_t>& input)
+    void request(platform::DriveDevice& device, const std::vector<std::uint8_t>& input)
     {
         constexpr std::uint32_t limitMs = 1500;
         const bool moves = input[4] == DRIVE_REQ_MOVE;
-        if (!platform::controlDevice(device, IOCTL_DRIVE_REQUEST, input) ||
-            (moves && !platform::readDeviceByte(device, &acknowledged_, limitMs)))
+        if (!device.control(IOCTL_DRIVE_REQUEST, input) || (moves && !device.readByte(&acknowledged_, limitMs)))
             throw std::runtime_error("the virtual microscope did not answer");
     }
 

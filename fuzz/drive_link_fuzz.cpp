@@ -25,8 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static test::RawService service(unit);
     fuzz::Input input(data, size);
 
-    const platform::DeviceHandle device = platform::openDevice(unit);
-    fuzz::require(device != platform::INVALID_DEVICE, "the service's unit opens");
+    auto device = platform::systemDriveUnits().open(unit);
+    fuzz::require(device != nullptr, "the service's unit opens");
     service.acceptClient();
     int acknowledgements = 0;
     int acceptances = 0;
@@ -47,15 +47,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::array<std::uint8_t, 4> zero{};
     for (int i = 0; i < REQUESTS; ++i) {
         if (i % 2 == 0)
-            acceptances -= platform::controlDevice(device, IOCTL_DRIVE_REQUEST, request);
+            acceptances -= device->control(IOCTL_DRIVE_REQUEST, request);
         else
-            acceptances -= platform::controlDevice(device, IOCTL_DRIVE_RESET_ACK, zero);
+            acceptances -= device->control(IOCTL_DRIVE_RESET_ACK, zero);
         for (int read = 0; read < READS; ++read)
-            acknowledgements -= platform::readDeviceByte(device, &completion, 1000);
+            acknowledgements -= device->readByte(&completion, 1000);
     }
     fuzz::require(acceptances >= 0, "every acceptance was sent");
     fuzz::require(acknowledgements >= 0, "every acknowledgement was sent");
-    platform::closeDevice(device);
+    device.reset();
     service.vanish();
     return 0;
 }

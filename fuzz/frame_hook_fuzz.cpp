@@ -1,6 +1,5 @@
 // A frame of any size, allocated to the byte, at any magnification and for any command.
 // Input: width, height and magnification as words, the command as a byte, then pixels, repeated over the frame.
-#include "api/library.h"
 #include "frames/frame_hook.h"
 #include "fuzz/fuzz_input.h"
 
@@ -25,8 +24,7 @@ void onFrame(const std::uint8_t*, std::int32_t, std::int32_t, void*, std::int32_
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const bool isSetUp = (setUpLibrary(nullptr), true);
-    fuzz::require(isSetUp, "the library is loaded");
+    static Session session;
     fuzz::Input input(data, size);
     const auto width = static_cast<std::int16_t>(input.word());
     const auto height = static_cast<std::int16_t>(input.word());
@@ -42,18 +40,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (std::size_t i = 0; i < count; ++i)
         frame[i] = pixels.empty() ? std::uint8_t{7} : pixels[i % pixels.size()];
 
-    library.commandBlock.command = static_cast<CommandCode>(command % 9);
-    library.commandBlock.magnification = magnification % 8 < 7 ? MAGNIFICATIONS[magnification % 8] : magnification;
-    library.commandBlock.frameCallback = onFrame;
-    library.commandBlock.focusValue = -1.0;
-    library.frameRequest = 1;
+    session.commandBlock.command = static_cast<CommandCode>(command % 9);
+    session.commandBlock.magnification = magnification % 8 < 7 ? MAGNIFICATIONS[magnification % 8] : magnification;
+    session.commandBlock.frameCallback = onFrame;
+    session.commandBlock.focusValue = -1.0;
+    session.frameRequest = 1;
     calls = 0;
-    handleFrame(frame.get(), width, height);
-    fuzz::require(library.frameRequest == 0, "a request is taken");
-    const bool isCaptured = library.commandBlock.command == CMD_STACK || library.commandBlock.command == CMD_CAPTURE;
+    handleFrame(session, frame.get(), width, height);
+    fuzz::require(session.frameRequest == 0, "a request is taken");
+    const bool isCaptured = session.commandBlock.command == CMD_STACK || session.commandBlock.command == CMD_CAPTURE;
     fuzz::require(calls == (isCaptured ? 1 : 0), "a captured frame is handed on once");
-    if (library.commandBlock.command == CMD_AUTOFOCUS) {
-        const double value = library.commandBlock.focusValue;
+    if (session.commandBlock.command == CMD_AUTOFOCUS) {
+        const double value = session.commandBlock.focusValue;
         fuzz::require(std::isfinite(value) && value >= 0.0, "the focus measure is a number and not negative");
     }
     return 0;

@@ -1,47 +1,37 @@
 // The exported functions. Each posting function writes the fields that stand here and no others; that they differ, also
 // in what they do to runFlag, is part of the contract.
-#include "api/library.h"
+#include "api/global.h"
 #include "frames/frame_hook.h"
-#include "worker/worker.h"
 
 #include <algorithm>
 #include <cassert>
-#include <mutex>
 
 using namespace tesmor;
 
 namespace {
 
-void askRunningCommandToGiveUp() noexcept
+std::uint32_t runWorker(void*)
 {
-    library.runFlag = 0;
+    library.worker.run();
+    return 0;
 }
 
-// Waits until the worker is idle, lets `writeFields` fill in the block, and wakes the worker after `beforeWakeUp`.
-// Nonzero when the worker could be woken.
-template <class WriteFields, class BeforeWakeUp>
-std::int32_t post(WriteFields writeFields, BeforeWakeUp beforeWakeUp)
+void askRunningCommandToGiveUp() noexcept
 {
-    library.idleEvent.wait();
-    {
-        std::lock_guard guard(library.commandLock);
-        writeFields(library.commandBlock);
-    }
-    beforeWakeUp();
-    return library.commandEvent.set() ? 1 : 0;
+    library.session.runFlag = 0;
 }
 
 template <class WriteFields>
 std::int32_t postAbortable(WriteFields writeFields)
 {
-    return post(writeFields, [] { library.runFlag = 1; });
+    return library.session.post(writeFields, Session::Abortable::yes) ? 1 : 0;
 }
 
 // For commands that never look at runFlag.
 template <class WriteFields>
 std::int32_t postUnabortable(WriteFields writeFields)
 {
-    return post(writeFields, [] {});
+    return library.session.post(writeFields, Session::Abortable::no) ? 1 : 0;
 }
 
 std::int32_t postWithoutParameters(CommandCode command)
@@ -80,12 +70,12 @@ std::int32_t tesmor_fini(void)
 
 std::int32_t tesmor_doing(void)
 {
-    return library.busyFlag;
+    return library.session.busyFlag;
 }
 
 void tesmor_video(const std::uint8_t* image, std::int32_t width, std::int32_t height)
 {
-    handleFrame(image, width, height);
+    handleFrame(library.session, image, width, height);
 }
 
 std::int32_t tesmor_start(std::uint16_t magnification, DoneCallback doneCallback, void* context)

@@ -1,10 +1,7 @@
-#include "api/library.h"
-
-#include "drive/focus_drive.h"
+#include "api/global.h"
 #include "platform/locale.h"
 
 #include <algorithm>
-#include <mutex>
 #include <new>
 
 namespace tesmor {
@@ -34,22 +31,21 @@ bool isSimplifiedChinese(std::uint32_t codePage, std::uint16_t languageId) noexc
            std::ranges::find(languageIds, languageId) != std::end(languageIds);
 }
 
-Library::Library(platform::ModuleHandle module)
+Library::Library(platform::ModuleHandle module, platform::DriveUnits& units, platform::Clock& clock)
     : moduleHandle(module),
-      chineseLocale(isSimplifiedChinese(platform::ansiCodePage(), platform::userLanguageId()) ? 1 : 0)
+      chineseLocale(isSimplifiedChinese(platform::ansiCodePage(), platform::userLanguageId()) ? 1 : 0),
+      worker(session, units, clock)
 {
-    commandBlock.command = CMD_IDLE;
 }
 
-CommandBlock Library::copyCommandBlock() noexcept
+Library& setUpLibrary(platform::ModuleHandle module, platform::DriveUnits& units, platform::Clock& clock)
 {
-    std::lock_guard guard(commandLock);
-    return commandBlock;
+    return *new (&storage.library) Library(module, units, clock);
 }
 
-void setUpLibrary(platform::ModuleHandle module)
+void platform::onLoad(ModuleHandle module)
 {
-    new (&storage.library) Library(module);
+    setUpLibrary(module, systemDriveUnits(), systemClock());
 }
 
 } // namespace tesmor

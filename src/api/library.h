@@ -1,55 +1,27 @@
-// The process-wide state: made once by the load-time set-up, never destroyed.
+// The library's state in a process: one session, its worker, and what the set-up learns of the process.
 #pragma once
 
-#include "measure/luma_tables.h"
-#include "platform/event.h"
-#include "platform/lock.h"
+#include "platform/module.h"
 #include "platform/thread.h"
-#include "session/command_block.h"
+#include "session/session.h"
+#include "worker/worker.h"
 
-#include <atomic>
 #include <cstdint>
-#include <memory>
 
 namespace tesmor {
 
-class FocusDrive;
-
-// The members stand in the order in which the load-time set-up makes them.
 struct Library {
-    explicit Library(platform::ModuleHandle module);
+    Library(platform::ModuleHandle module, platform::DriveUnits& units, platform::Clock& clock);
 
-    platform::ModuleHandle moduleHandle;
-    std::int32_t chineseLocale; // nothing reads it
-
-    CommandBlock commandBlock{}; // guarded by commandLock
-
-    platform::Event commandEvent{platform::Reset::automatic, false}; // a post wakes the worker
-    platform::Event idleEvent{platform::Reset::automatic, true};     // the worker is ready for a post
-    platform::Event frameEvent{platform::Reset::automatic, true};    // the hook has served a requested frame
-
-    // Held for short copies and stores only, never across a wait, a move or a callback.
-    platform::Lock commandLock;
-
-    LumaTables lumaTables;
-
-    std::atomic<std::int32_t> runFlag{0};      // 0 asks the running command to give up
-    std::atomic<std::int32_t> frameRequest{0}; // the worker waits for a frame
-    std::atomic<std::uint32_t> frameWait{0};   // the number of the worker's present or last frame wait
-    std::atomic<std::uint32_t> servedWait{0};  // the number of the wait that frameEvent was last set for
-    std::atomic<std::int32_t> busyFlag{0};     // what tesmor_doing returns
-
+    platform::ModuleHandle moduleHandle; // nothing reads it
+    std::int32_t chineseLocale;          // nothing reads it
+    Session session;
+    Worker worker;
     platform::ThreadHandle workerHandle = nullptr;
-    std::unique_ptr<FocusDrive> manualDrive; // the worker's, kept open between manual moves
-
-    // A copy of the whole block, taken under the lock.
-    CommandBlock copyCommandBlock() noexcept;
 };
 
-extern Library& library;
-
-// The load-time set-up; once a process, before anything else of the library runs.
-void setUpLibrary(platform::ModuleHandle module);
+// The set-up: makes the library anew, for the exports to work on from now on. Nothing ever destroys it.
+Library& setUpLibrary(platform::ModuleHandle module, platform::DriveUnits& units, platform::Clock& clock);
 
 // Whether code page and language together say Simplified Chinese.
 bool isSimplifiedChinese(std::uint32_t codePage, std::uint16_t languageId) noexcept;

@@ -1,17 +1,16 @@
 #include "drive/focus_drive.h"
 
-#include "platform/clock.h"
 #include "protocol/drive_request.h"
 
 #include <array>
 
 namespace tesmor {
 
-FocusDrive::FocusDrive() noexcept
+FocusDrive::FocusDrive(platform::DriveUnits& units, platform::Clock& clock) noexcept : clock_(clock)
 {
     for (unsigned unit = 0; unit < MAX_DRIVE_UNITS && !hasDevice(); ++unit) {
-        if (platform::deviceExists(unit))
-            device_ = platform::openDevice(unit);
+        if (units.exists(unit))
+            device_ = units.open(unit);
     }
     ackEvent_ = platform::Event::create(platform::Reset::manual, false);
     opened_ = sendRequest(DRIVE_REQ_OPEN, 0, 0);
@@ -19,25 +18,23 @@ FocusDrive::FocusDrive() noexcept
 
 FocusDrive::~FocusDrive()
 {
-    if (!hasDevice())
-        return;
     if (opened_)
         sendRequest(DRIVE_REQ_CLOSE, 0, 0);
-    platform::closeDevice(device_);
+    device_.reset(); // before the event, which its pending reads may still set
 }
 
 bool FocusDrive::sendRequest(std::uint8_t request, std::uint16_t value, std::uint16_t index) noexcept
 {
-    return platform::controlDevice(device_, IOCTL_DRIVE_REQUEST, makeDriveRequest(request, value, index));
+    return device_ && device_->control(IOCTL_DRIVE_REQUEST, makeDriveRequest(request, value, index));
 }
 
 bool FocusDrive::readAck() noexcept
 {
-    if (platform::readDeviceByte(device_, ackEvent_.get(), ACK_TIMEOUT_MS))
+    if (device_->readByte(ackEvent_.get(), ACK_TIMEOUT_MS))
         return true;
     constexpr std::array<std::uint8_t, 4> zero{};
-    platform::controlDevice(device_, IOCTL_DRIVE_RESET_ACK, zero);
-    platform::sleepMilliseconds(DRIVE_RETRY_PAUSE_MS);
+    device_->control(IOCTL_DRIVE_RESET_ACK, zero);
+    clock_.sleepMilliseconds(DRIVE_RETRY_PAUSE_MS);
     return false;
 }
 
@@ -46,7 +43,7 @@ bool FocusDrive::move(std::uint16_t steps, bool reverse) noexcept
     const std::uint16_t direction = reverse ? DIR_REVERSE : DIR_FORWARD;
     int refusals = 0;
     while (!sendRequest(DRIVE_REQ_MOVE, direction, steps)) {
-        platform::sleepMilliseconds(DRIVE_RETRY_PAUSE_MS);
+        clock_.sleepMilliseconds(DRIVE_RETRY_PAUSE_MS);
         if (++refusals == SEND_ATTEMPTS)
             return false;
     }

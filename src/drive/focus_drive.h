@@ -1,6 +1,7 @@
 // The open link to the focus motor. It keeps no position: every move is relative.
 #pragma once
 
+#include "platform/clock.h"
 #include "platform/drive_device.h"
 #include "platform/event.h"
 
@@ -19,8 +20,8 @@ inline constexpr int ACK_READS = 5;     // per move, in total
 class FocusDrive {
 public:
     // Takes the lowest unit that exists and opens. Always yields the object; hasDevice tells whether there is a drive.
-    // A drive that does not answer counts: its moves fail.
-    FocusDrive() noexcept;
+    // A drive that does not answer counts: its moves fail. Units and clock outlive the drive.
+    FocusDrive(platform::DriveUnits& units, platform::Clock& clock) noexcept;
 
     // Closes the device, released first where the driver had accepted the opening.
     ~FocusDrive();
@@ -30,7 +31,7 @@ public:
 
     bool hasDevice() const noexcept
     {
-        return device_ != platform::INVALID_DEVICE;
+        return device_ != nullptr;
     }
 
     // Moves the motor and waits for its acknowledgement. True when the move was accepted and acknowledged; false after
@@ -46,7 +47,8 @@ private:
     bool sendRequest(std::uint8_t request, std::uint16_t value, std::uint16_t index) noexcept;
     bool readAck() noexcept;
 
-    platform::DeviceHandle device_ = platform::INVALID_DEVICE;
+    platform::Clock& clock_;
+    std::unique_ptr<platform::DriveDevice> device_;
     std::unique_ptr<platform::Event> ackEvent_; // null when it could not be created; then every move fails
     bool opened_ = false;                       // the driver has accepted DRIVE_REQ_OPEN
 };

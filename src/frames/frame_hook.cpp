@@ -1,10 +1,7 @@
 #include "frames/frame_hook.h"
 
-#include "api/library.h"
 #include "measure/focus_measure.h"
-#include "session/result_codes.h"
 
-#include <mutex>
 #include <optional>
 
 namespace tesmor {
@@ -18,43 +15,38 @@ struct Request {
 
 // Request, command and number of the wait are taken at once: a request that its command gives up meanwhile must not be
 // served for the command that is posted next, which takes the lock, too.
-std::optional<Request> takeRequest() noexcept
+std::optional<Request> takeRequest(Session& session) noexcept
 {
-    std::lock_guard guard(library.commandLock);
-    if (library.frameRequest.exchange(0) == 0)
+    std::lock_guard guard(session.commandLock);
+    if (session.frameRequest.exchange(0) == 0)
         return std::nullopt;
-    return Request{library.commandBlock, library.frameWait};
+    return Request{session.commandBlock, session.frameWait};
 }
 
-void serveFrame(const Request& request, const std::uint8_t* image, std::int32_t width, std::int32_t height)
+} // namespace
+
+void serveFrame(Session& session, const std::uint8_t* image, std::int32_t width, std::int32_t height)
 {
-    const CommandBlock& block = request.block;
+    const std::optional<Request> request = takeRequest(session);
+    if (!request)
+        return;
+    const CommandBlock& block = request->block;
     switch (block.command) {
     case CMD_STACK:
     case CMD_CAPTURE:
-        block.frameCallback(image, width, height, block.context, SUCCESS);
+        block.frameCallback(image, width, height, block.context, TESMOR_SUCCESS);
         break;
     case CMD_AUTOFOCUS: {
-        const double focusValue = measureFocus(image, width, height, block.magnification, library.lumaTables);
-        std::lock_guard guard(library.commandLock);
-        library.commandBlock.focusValue = focusValue;
+        const double focusValue = measureFocus(image, width, height, block.magnification, session.lumaTables);
+        std::lock_guard guard(session.commandLock);
+        session.commandBlock.focusValue = focusValue;
         break;
     }
     default:
         return;
     }
-    library.servedWait = request.wait;
-    library.frameEvent.set();
-}
-
-} // namespace
-
-void handleFrame(const std::uint8_t* image, std::int32_t width, std::int32_t height)
-{
-    if (library.frameRequest.load(std::memory_order_relaxed) == 0)
-        return;
-    if (const std::optional<Request> request = takeRequest())
-        serveFrame(*request, image, width, height);
+    session.servedWait = request->wait;
+    session.frameEvent.set();
 }
 
 } // namespace tesmor

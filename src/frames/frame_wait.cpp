@@ -1,8 +1,7 @@
 #include "frames/frame_wait.h"
 
-#include "api/library.h"
 #include "platform/clock.h"
-#include "session/result_codes.h"
+#include "session/session.h"
 
 namespace tesmor {
 
@@ -13,26 +12,36 @@ constexpr std::uint32_t FRAME_TIMEOUT_MS = 4000;
 
 } // namespace
 
-std::int32_t waitForFrame()
+FrameReply FrameWait::next()
 {
-    library.frameEvent.reset();
-    const std::uint32_t thisWait = ++library.frameWait;
-    library.frameRequest = 1;
-    const std::uint32_t start = platform::tickMilliseconds();
-    while (library.runFlag != 0) {
+    if (const std::int32_t result = wait(); result != TESMOR_SUCCESS)
+        return {result, std::nullopt};
+    std::lock_guard guard(session_.commandLock);
+    if (session_.commandBlock.command != CMD_AUTOFOCUS)
+        return {TESMOR_SUCCESS, std::nullopt};
+    return {TESMOR_SUCCESS, session_.commandBlock.focusValue};
+}
+
+std::int32_t FrameWait::wait()
+{
+    session_.frameEvent.reset();
+    const std::uint32_t thisWait = ++session_.frameWait;
+    session_.frameRequest = 1;
+    const std::uint32_t start = clock_.tickMilliseconds();
+    while (session_.runFlag != 0) {
         // The signal may be that of an earlier wait, which gave up while its frame was being served.
-        if (library.frameEvent.waitFor(ABORT_CHECK_MS) && library.servedWait == thisWait)
+        if (clock_.waitFor(session_.frameEvent, ABORT_CHECK_MS) && session_.servedWait == thisWait)
             break;
-        if (platform::tickMilliseconds() - start > FRAME_TIMEOUT_MS) {
-            library.runFlag = 0;
-            library.frameRequest = 0;
-            return NO_FRAME;
+        if (clock_.tickMilliseconds() - start > FRAME_TIMEOUT_MS) {
+            session_.runFlag = 0;
+            session_.frameRequest = 0;
+            return TESMOR_NO_FRAME;
         }
     }
-    if (library.runFlag != 0)
-        return SUCCESS;
-    library.frameRequest = 0;
-    return ABORTED;
+    if (session_.runFlag != 0)
+        return TESMOR_SUCCESS;
+    session_.frameRequest = 0;
+    return TESMOR_ABORTED;
 }
 
 } // namespace tesmor

@@ -1,14 +1,11 @@
 #include "operations/autofocus_search.h"
 
-#include "api/library.h"
 #include "drive/focus_drive.h"
-#include "frames/frame_wait.h"
+#include "frames/frames.h"
 #include "operations/search_profile.h"
-#include "session/result_codes.h"
+#include "tesmor.h"
 
 #include <array>
-#include <mutex>
-#include <optional>
 
 namespace tesmor {
 
@@ -16,19 +13,11 @@ namespace {
 
 constexpr int PROBE_REACH = 3; // coarse steps on either side of the start
 
-// Sharpness at the present position; none when the shared command is no longer the autofocus.
-std::optional<double> readFocusValue() noexcept
-{
-    std::lock_guard guard(library.commandLock);
-    if (library.commandBlock.command != CMD_AUTOFOCUS)
-        return std::nullopt;
-    return library.commandBlock.focusValue;
-}
-
 class AutofocusSearch {
 public:
-    AutofocusSearch(FocusDrive& drive, const SearchProfile& profile) noexcept
-        : drive_(drive), step_(profile.searchRange / 10), sweepLimit_(profile.searchRange), minStep_(profile.minStep)
+    AutofocusSearch(FocusDrive& drive, Frames& frames, const SearchProfile& profile) noexcept
+        : drive_(drive), frames_(frames), step_(profile.searchRange / 10), sweepLimit_(profile.searchRange),
+          minStep_(profile.minStep)
     {
     }
 
@@ -51,19 +40,17 @@ private:
     {
         if (drive_.moveBy(displacement))
             return true;
-        result_ = MOVE_FAILED;
+        result_ = TESMOR_MOVE_FAILED;
         return false;
     }
 
     bool takeSample(double& sharpness)
     {
-        result_ = waitForFrame();
-        if (result_ != SUCCESS)
+        const FrameReply frame = frames_.next();
+        result_ = frame.result;
+        if (!frame.sharpness)
             return false;
-        const std::optional<double> value = readFocusValue();
-        if (!value)
-            return false;
-        sharpness = *value;
+        sharpness = *frame.sharpness;
         return true;
     }
 
@@ -142,7 +129,8 @@ private:
     }
 
     FocusDrive& drive_;
-    std::int32_t result_ = SUCCESS;
+    Frames& frames_;
+    std::int32_t result_ = TESMOR_SUCCESS;
 
     // Motor steps.
     std::int32_t step_;
@@ -161,13 +149,11 @@ private:
 
 } // namespace
 
-std::int32_t autofocusSearch(std::uint16_t magnification)
+std::int32_t autofocusSearch(FocusDrive& drive, Frames& frames, std::uint16_t magnification)
 {
-    library.manualDrive.reset();
-    FocusDrive drive;
     if (!drive.hasDevice())
-        return NO_DRIVE;
-    return AutofocusSearch(drive, searchProfile(magnification)).run();
+        return TESMOR_NO_DRIVE;
+    return AutofocusSearch(drive, frames, searchProfile(magnification)).run();
 }
 
 } // namespace tesmor

@@ -16,9 +16,11 @@
 
 namespace tesmor {
 
-// Runs the search; worker thread only. Closes library.manualDrive and opens a drive of its own, which is closed again
-// on every way out. Returns SUCCESS (also when the shared command is found to be another one), MOVE_FAILED, ABORTED,
-// NO_DRIVE or NO_FRAME.
-std::int32_t autofocusSearch(std::uint16_t magnification);
+class FocusDrive;
+class Frames;
+
+// Returns TESMOR_SUCCESS, also when a frame came without a sharpness because another command was posted;
+// TESMOR_MOVE_FAILED, TESMOR_ABORTED, TESMOR_NO_DRIVE or TESMOR_NO_FRAME.
+std::int32_t autofocusSearch(FocusDrive& drive, Frames& frames, std::uint16_t magnification);
 
 } // namespace tesmor

@@ -1,13 +1,14 @@
 // The manual focus move.
 #pragma once
 
-#include "tesmor.h"
+#include <cstdint>
 
 namespace tesmor {
 
-// Closes the drive of the manual move before, opens a new one that stays open in library.manualDrive, turns the focus
-// by `angle` degrees (positive forward) and calls `doneCallback`, where there is one, with SUCCESS, MOVE_FAILED or
-// NO_DRIVE. Worker thread only. What the callback throws passes through.
-void manualMove(double angle, DoneCallback doneCallback, void* context);
+class FocusDrive;
+
+// Turns the focus by `angle` degrees, positive forward. Returns TESMOR_SUCCESS, TESMOR_MOVE_FAILED or TESMOR_NO_DRIVE.
+// The step count must fit 32 bits. Never throws.
+std::int32_t manualMove(FocusDrive& drive, double angle) noexcept;
 
 } // namespace tesmor

@@ -1,9 +1,8 @@
 #include "operations/stack_capture.h"
 
-#include "api/library.h"
 #include "drive/focus_drive.h"
-#include "frames/frame_wait.h"
-#include "session/result_codes.h"
+#include "frames/frames.h"
+#include "tesmor.h"
 
 namespace tesmor {
 
@@ -38,38 +37,27 @@ std::int32_t wrappingNegation(std::int32_t a) noexcept
     return static_cast<std::int32_t>(0u - static_cast<std::uint32_t>(a));
 }
 
-template <class Report>
-std::int32_t captureSlices(FocusDrive& drive, std::int32_t stepsPerSlice, std::uint16_t sliceCount, bool notifyOnly,
-                           Report report)
-{
-    if (!drive.hasDevice())
-        return NO_DRIVE;
-    for (std::uint32_t slice = 0; slice < sliceCount; ++slice) {
-        if (!drive.moveBy(stepsPerSlice))
-            return MOVE_FAILED;
-        if (notifyOnly) {
-            report(SUCCESS);
-        } else if (const std::int32_t waited = waitForFrame(); waited != SUCCESS) {
-            return waited;
-        }
-    }
-    for (std::uint32_t slice = 0; slice < sliceCount; ++slice) {
-        if (!drive.moveBy(wrappingNegation(stepsPerSlice)))
-            return MOVE_FAILED;
-    }
-    return STACK_DONE;
-}
-
 } // namespace
 
-void captureStack(std::uint16_t magnification, std::uint16_t sliceCount, std::int32_t sliceSpacing,
-                  std::uint32_t notifyOnly, FrameCallback frameCallback, void* context)
+std::int32_t captureStack(FocusDrive& drive, Frames& frames, const StackPlan& plan,
+                          const std::function<void()>& onMoved)
 {
-    const auto report = [=](std::int32_t result) { frameCallback(nullptr, 0, 0, context, result); };
-    library.manualDrive.reset();
-    FocusDrive drive; // still open while the result is reported
-    const std::int32_t stepsPerSlice = wrappingProduct(stepUnit(magnification), sliceSpacing);
-    report(captureSlices(drive, stepsPerSlice, sliceCount, notifyOnly != 0, report));
+    if (!drive.hasDevice())
+        return TESMOR_NO_DRIVE;
+    const std::int32_t stepsPerSlice = wrappingProduct(stepUnit(plan.magnification), plan.sliceSpacing);
+    for (std::uint32_t slice = 0; slice < plan.sliceCount; ++slice) {
+        if (!drive.moveBy(stepsPerSlice))
+            return TESMOR_MOVE_FAILED;
+        if (plan.notifyOnly)
+            onMoved();
+        else if (const std::int32_t result = frames.next().result; result != TESMOR_SUCCESS)
+            return result;
+    }
+    for (std::uint32_t slice = 0; slice < plan.sliceCount; ++slice) {
+        if (!drive.moveBy(wrappingNegation(stepsPerSlice)))
+            return TESMOR_MOVE_FAILED;
+    }
+    return TESMOR_STACK_DONE;
 }
 
 } // namespace tesmor

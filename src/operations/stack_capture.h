@@ -1,17 +1,26 @@
 // The capture of a focus stack: frames at evenly spaced focus positions.
 #pragma once
 
-#include "tesmor.h"
-
 #include <cstdint>
+#include <functional>
 
 namespace tesmor {
 
-// Moves the focus by one spacing and has the next live frame handed to `frameCallback`, `sliceCount` times; then drives
-// the focus back in as many moves of the same size. With `notifyOnly` the callback is only told of each move.
-// Reports its one result code through `frameCallback` with a null image. The drive is closed on every way out; what
-// the callback throws passes through. Worker thread only. An abort is seen by the frame waits alone.
-void captureStack(std::uint16_t magnification, std::uint16_t sliceCount, std::int32_t sliceSpacing,
-                  std::uint32_t notifyOnly, FrameCallback frameCallback, void* context);
+class FocusDrive;
+class Frames;
+
+struct StackPlan {
+    std::uint16_t magnification;
+    std::uint16_t sliceCount;
+    std::int32_t sliceSpacing; // in spacing units of the magnification; negative reverses the run
+    bool notifyOnly;           // the host takes the frames itself
+};
+
+// Moves the focus by one spacing and waits for the next live frame to reach the host, `sliceCount` times; then drives
+// the focus back in as many moves of the same size. In notify-only mode `onMoved` is called after each move, and no frame
+// waited for. Returns TESMOR_STACK_DONE, TESMOR_MOVE_FAILED, TESMOR_ABORTED (seen by the frame waits alone),
+// TESMOR_NO_DRIVE or TESMOR_NO_FRAME. What `onMoved` throws passes through.
+std::int32_t captureStack(FocusDrive& drive, Frames& frames, const StackPlan& plan,
+                          const std::function<void()>& onMoved);
 
 } // namespace tesmor

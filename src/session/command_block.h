@@ -24,7 +24,7 @@ inline constexpr std::size_t MAX_IMAGES = 128;
 
 // A post writes the fields of its command only; every other field keeps what the command before left in it.
 struct CommandBlock {
-    CommandCode command;
+    CommandCode command = CMD_IDLE;
     std::uint16_t magnification;
     double angle; // degrees
     std::uint16_t sliceCount;

@@ -1,13 +1,13 @@
 #include "worker/worker.h"
 
-#include "api/library.h"
 #include "drive/focus_drive.h"
-#include "frames/frame_wait.h"
 #include "fusion/fuse_images.h"
 #include "operations/autofocus_search.h"
 #include "operations/manual_move.h"
 #include "operations/stack_capture.h"
 #include "platform/thread.h"
+
+#include <new>
 
 namespace tesmor {
 
@@ -15,107 +15,119 @@ namespace {
 
 class BusyScope {
 public:
-    BusyScope() noexcept
+    explicit BusyScope(std::atomic<std::int32_t>& busyFlag) noexcept : busyFlag_(busyFlag)
     {
-        library.busyFlag = 1;
+        busyFlag_ = 1;
     }
     ~BusyScope()
     {
-        library.busyFlag = 0;
+        busyFlag_ = 0;
     }
     BusyScope(const BusyScope&) = delete;
     BusyScope& operator=(const BusyScope&) = delete;
+
+private:
+    std::atomic<std::int32_t>& busyFlag_;
 };
-
-void runAutofocus(const CommandBlock& block)
-{
-    const std::int32_t result = autofocusSearch(block.magnification);
-    block.doneCallback(block.context, result);
-}
-
-void runStack(const CommandBlock& block)
-{
-    captureStack(block.magnification, block.sliceCount, block.sliceSpacing, block.notifyOnly, block.frameCallback,
-                 block.context);
-}
-
-std::int32_t fuseAtIdlePriority(const CommandBlock& block)
-{
-    platform::IdlePriority idlePriority;
-    return fuseImages(block.images.data(), block.imageCount, block.width, block.height, block.output, library.runFlag,
-                      [&block](std::int32_t percent) { block.frameCallback(nullptr, 0, 0, block.context, percent); });
-}
-
-void runFusion(const CommandBlock& block)
-{
-    const std::int32_t result = fuseAtIdlePriority(block);
-    block.frameCallback(block.output, static_cast<std::int32_t>(block.width), static_cast<std::int32_t>(block.height),
-                        block.context, result);
-}
-
-void runCommand(const CommandBlock& block)
-{
-    switch (block.command) {
-    case CMD_AUTOFOCUS: {
-        BusyScope busy;
-        runAutofocus(block);
-        break;
-    }
-    case CMD_MANUAL: {
-        BusyScope busy;
-        manualMove(block.angle, block.doneCallback, block.context);
-        break;
-    }
-    case CMD_STACK: {
-        BusyScope busy;
-        runStack(block);
-        break;
-    }
-    case CMD_CAPTURE: {
-        BusyScope busy;
-        waitForFrame();
-        break;
-    }
-    case CMD_FUSION: {
-        BusyScope busy;
-        runFusion(block);
-        break;
-    }
-    case CMD_RESET:
-        library.manualDrive.reset();
-        break;
-    default:
-        break;
-    }
-}
-
-void runCommandSafely(const CommandBlock& block) noexcept
-{
-    try {
-        runCommand(block);
-    } catch (...) {
-        // A host callback threw; the scopes that it left are undone, and the worker goes on.
-    }
-}
-
-CommandBlock waitForCommand() noexcept
-{
-    library.commandEvent.wait();
-    return library.copyCommandBlock();
-}
 
 } // namespace
 
-std::uint32_t runWorker(void*)
+Worker::Worker(Session& session, platform::DriveUnits& units, platform::Clock& clock) noexcept
+    : session_(session), units_(units), clock_(clock), frames_(session, clock)
 {
-    for (CommandBlock block = waitForCommand(); block.command != CMD_QUIT; block = waitForCommand()) {
-        runCommandSafely(block);
-        library.runFlag = 0;
-        library.idleEvent.set();
+}
+
+Worker::~Worker() = default;
+
+void Worker::run() noexcept
+{
+    for (CommandBlock block = session_.waitForCommand(); block.command != CMD_QUIT; block = session_.waitForCommand()) {
+        try {
+            runCommand(block);
+        } catch (...) {
+            // A host callback threw; the scopes that it left are undone, and the worker goes on.
+        }
+        session_.runFlag = 0;
+        session_.idleEvent.set();
     }
-    library.idleEvent.set();
-    library.manualDrive.reset();
-    return 0;
+    session_.idleEvent.set();
+    manualDrive_.reset();
+}
+
+void Worker::runCommand(const CommandBlock& block)
+{
+    if (block.command == CMD_RESET) {
+        manualDrive_.reset();
+    } else if (const Operation operation = operationOf(block.command)) {
+        BusyScope busy(session_.busyFlag);
+        (this->*operation)(block);
+    }
+}
+
+Worker::Operation Worker::operationOf(CommandCode command) noexcept
+{
+    switch (command) {
+    case CMD_AUTOFOCUS:
+        return &Worker::autofocus;
+    case CMD_MANUAL:
+        return &Worker::move;
+    case CMD_STACK:
+        return &Worker::stack;
+    case CMD_CAPTURE:
+        return &Worker::capture;
+    case CMD_FUSION:
+        return &Worker::fusion;
+    default:
+        return nullptr;
+    }
+}
+
+void Worker::autofocus(const CommandBlock& block)
+{
+    manualDrive_.reset();
+    const auto search = [&] {
+        FocusDrive drive(units_, clock_);
+        return autofocusSearch(drive, frames_, block.magnification);
+    };
+    const std::int32_t result = search();
+    block.doneCallback(block.context, result);
+}
+
+void Worker::move(const CommandBlock& block)
+{
+    manualDrive_.reset();
+    manualDrive_.reset(new (std::nothrow) FocusDrive(units_, clock_));
+    const std::int32_t result = manualDrive_ ? manualMove(*manualDrive_, block.angle) : TESMOR_NO_DRIVE;
+    if (block.doneCallback)
+        block.doneCallback(block.context, result);
+}
+
+void Worker::stack(const CommandBlock& block)
+{
+    const auto report = [&](std::int32_t result) { block.frameCallback(nullptr, 0, 0, block.context, result); };
+    manualDrive_.reset();
+    FocusDrive drive(units_, clock_); // still open while the result is reported
+    const StackPlan plan{block.magnification, block.sliceCount, block.sliceSpacing, block.notifyOnly != 0};
+    report(captureStack(drive, frames_, plan, [&] { report(TESMOR_SUCCESS); }));
+}
+
+// The frame hook hands the frame to the host; nobody hears that none came.
+void Worker::capture(const CommandBlock&)
+{
+    frames_.next();
+}
+
+void Worker::fusion(const CommandBlock& block)
+{
+    const auto onProgress = [&](std::int32_t percent) { block.frameCallback(nullptr, 0, 0, block.context, percent); };
+    const auto fuse = [&] {
+        platform::IdlePriority idlePriority;
+        return fuseImages(block.images.data(), block.imageCount, block.width, block.height, block.output,
+                          session_.runFlag, onProgress);
+    };
+    const std::int32_t result = fuse();
+    block.frameCallback(block.output, static_cast<std::int32_t>(block.width), static_cast<std::int32_t>(block.height),
+                        block.context, result);
 }
 
 } // namespace tesmor

@@ -1,12 +1,45 @@
-// The worker thread: takes one command at a time from the shared block, runs it to its end, reports, goes idle.
+// The worker: takes one command at a time from the session, runs it to its end, reports, goes idle.
 #pragma once
 
-#include <cstdint>
+#include "frames/frame_wait.h"
+#include "platform/clock.h"
+#include "platform/drive_device.h"
+#include "session/session.h"
+
+#include <memory>
 
 namespace tesmor {
 
-// Entry of the worker thread; ends by CMD_QUIT only, with 0. The argument is ignored. An exception from a host's
-// callback ends the command that called it and goes no further.
-std::uint32_t runWorker(void* argument);
+class FocusDrive;
+
+class Worker {
+public:
+    // All three outlive it.
+    Worker(Session& session, platform::DriveUnits& units, platform::Clock& clock) noexcept;
+    ~Worker();
+
+    // Runs what is posted, on the calling thread, until CMD_QUIT. An exception from a host's callback ends the command
+    // that called it and goes no further.
+    void run() noexcept;
+
+private:
+    using Operation = void (Worker::*)(const CommandBlock& block);
+
+    static Operation operationOf(CommandCode command) noexcept;
+    void runCommand(const CommandBlock& block);
+
+    // Each reports its result to the host.
+    void autofocus(const CommandBlock& block);
+    void move(const CommandBlock& block);
+    void stack(const CommandBlock& block);
+    void capture(const CommandBlock& block);
+    void fusion(const CommandBlock& block);
+
+    Session& session_;
+    platform::DriveUnits& units_;
+    platform::Clock& clock_;
+    FrameWait frames_;
+    std::unique_ptr<FocusDrive> manualDrive_; // of the last manual move; no other drive is open beside it
+};
 
 } // namespace tesmor

@@ -6,6 +6,8 @@ namespace tesmor::test {
 
 void CommandTest::SetUp()
 {
+    static int argumentCount = 0;
+    static const QCoreApplication application(argumentCount, nullptr); // for the formats of images
     ASSERT_TRUE(folder_.isValid());
 }
 
@@ -68,10 +70,3 @@ QImage flatImage(int width, int height, QRgb colour)
 }
 
 } // namespace tesmor::test
-
-int main(int argc, char** argv)
-{
-    const QCoreApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -1,10 +1,7 @@
 // Every operation with every fault in every phase: one result and one only, the drive closed, no longer a wait than
 // stated, and a library that runs the next command.
-#include "session/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
-#include "support/scripted_clock.h"
-#include "support/scripted_device.h"
 
 #include <algorithm>
 #include <future>
@@ -41,20 +38,23 @@ struct Operation {
 };
 
 const Operation MANUAL{"manual move", [](Host& h) { tesmor_manual(90, CallRecorder::onDone, &h.calls); }, 1, {}, 0, 1,
-                       SUCCESS};
+                       TESMOR_SUCCESS};
 // The frames are all the same; see the search's own tests for the moves that follow.
-const Operation SEARCH{"autofocus", [](Host& h) { tesmor_start(40, CallRecorder::onDone, &h.calls); },
-                       26,          {3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24},
-                       0,           1,
-                       SUCCESS};
+const Operation SEARCH{"autofocus",
+                       [](Host& h) { tesmor_start(40, CallRecorder::onDone, &h.calls); },
+                       26,
+                       {3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24},
+                       0,
+                       1,
+                       TESMOR_SUCCESS};
 const Operation STACK{
-    "stack",   [](Host& h) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &h.calls, 0); }, 6, {1, 2, 3}, 3, 1,
-    STACK_DONE};
+    "stack",          [](Host& h) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &h.calls, 0); }, 6, {1, 2, 3}, 3, 1,
+    TESMOR_STACK_DONE};
 const Operation NOTICES{
     "stack of notices", [](Host& h) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &h.calls, 1); }, 6, {}, 0, 4,
-    STACK_DONE};
-const Operation CAPTURE{"capture", [](Host& h) { tesmor_capture(CallRecorder::onFrame, &h.calls); }, 0, {0}, 1, 0,
-                        SUCCESS};
+    TESMOR_STACK_DONE};
+const Operation CAPTURE{"capture",     [](Host& h) { tesmor_capture(CallRecorder::onFrame, &h.calls); }, 0, {0}, 1, 0,
+                        TESMOR_SUCCESS};
 const Operation FUSION{"fusion",
                        [](Host& h) {
                            const std::uint8_t* const images[] = {h.image.data(), h.image.data()};
@@ -64,7 +64,7 @@ const Operation FUSION{"fusion",
                        {},
                        0,
                        9,
-                       SUCCESS};
+                       TESMOR_SUCCESS};
 
 using Export = std::int32_t (*)();
 
@@ -106,7 +106,7 @@ public:
             for (std::size_t move = 0; move < operation->moves; ++move)
                 addMoveFaults({operation, "", move});
             cells.push_back(
-                {.operation = operation, .fault = "no drive", .at = 0, .noDrive = true, .result = NO_DRIVE});
+                {.operation = operation, .fault = "no drive", .at = 0, .noDrive = true, .result = TESMOR_NO_DRIVE});
             Cell refused{operation, "opening refused", 0};
             refused.openRefused = true;
             refused.result = operation->success;
@@ -132,7 +132,7 @@ private:
     {
         const Operation& operation = *cell.operation;
         const auto failsAt = [&](int attempts, std::size_t moves) {
-            cell.result = attempts < ALL_ATTEMPTS ? operation.success : MOVE_FAILED;
+            cell.result = attempts < ALL_ATTEMPTS ? operation.success : TESMOR_MOVE_FAILED;
             cell.moves = attempts < ALL_ATTEMPTS ? operation.moves : moves;
             cells.push_back(cell);
         };
@@ -154,7 +154,7 @@ private:
         cell.fault = "abort in a move";
         cell.abortInMove = true;
         const auto seenAt = std::ranges::find_if(operation.waits, [&](std::size_t moves) { return moves > cell.at; });
-        cell.result = seenAt == operation.waits.end() ? operation.success : ABORTED;
+        cell.result = seenAt == operation.waits.end() ? operation.success : TESMOR_ABORTED;
         cell.moves = seenAt == operation.waits.end() ? operation.moves : *seenAt;
         addForEveryAbort(cell);
     }
@@ -166,16 +166,13 @@ private:
         cell.framesUntilTheyStop = cell.at;
         cell.fault = cell.at == 0 ? "no frames" : "frames stop";
         if (!isSilent)
-            cell.result = NO_FRAME;
+            cell.result = TESMOR_NO_FRAME;
         cells.push_back(cell);
         cell.fault = "abort in a wait";
         cell.abortInWait = true;
         if (!isSilent)
-            cell.result = ABORTED;
-        // Of the search's waits those at the ends of its phases; each costs a slice of 128 ms.
-        const bool isEndOfPhase = cell.operation != &SEARCH || cell.at == 0 || cell.at == 6 || cell.at % 5 == 2;
-        if (isEndOfPhase)
-            addForEveryAbort(cell);
+            cell.result = TESMOR_ABORTED;
+        addForEveryAbort(cell);
     }
 
     void addCallbackFaults(Cell cell)
@@ -191,19 +188,19 @@ private:
         };
         cell.fault = "callback takes long";
         cell.longCallback = true;
-        cells.push_back(withResult(isFrame ? NO_FRAME : operation.success));
+        cells.push_back(withResult(isFrame ? TESMOR_NO_FRAME : operation.success));
         cell.fault = "callback throws";
         cell.longCallback = false;
         cell.throwInCallback = true;
         if (isLast)
             cells.push_back(withResult(operation.success));
         else
-            cells.push_back(withResult(isFrame ? std::optional(NO_FRAME) : std::nullopt));
+            cells.push_back(withResult(isFrame ? std::optional(TESMOR_NO_FRAME) : std::nullopt));
         cell.fault = "abort in a callback";
         cell.throwInCallback = false;
         cell.abortInCallback = true;
         const bool isSeen = isFrame || (&operation == &FUSION && cell.at < 6); // not once the last image is in
-        addForEveryAbort(withResult(isSeen ? ABORTED : operation.success));
+        addForEveryAbort(withResult(isSeen ? TESMOR_ABORTED : operation.success));
     }
 
     void addForEveryAbort(Cell cell)
@@ -218,10 +215,10 @@ private:
 // Feeds frames as they are asked for, as many as the cell allows.
 class Camera {
 public:
-    Camera(const Host& host, std::optional<std::size_t> frames)
-        : left_(frames.value_or(SIZE_MAX)), thread_([&host, this] {
+    Camera(const Session& session, const Host& host, std::optional<std::size_t> frames)
+        : left_(frames.value_or(SIZE_MAX)), thread_([&session, &host, this] {
               while (!stop_) {
-                  if (library.frameRequest == 1 && left_ > 0) {
+                  if (session.frameRequest == 1 && left_ > 0) {
                       --left_;
                       try {
                           tesmor_video(host.image.data(), SIDE, SIDE);
@@ -251,7 +248,7 @@ private:
     std::thread thread_;
 };
 
-class FaultMatrix : public LibraryTest {
+class FaultMatrix : public ScriptedLibraryTest {
 protected:
     void SetUp() override
     {
@@ -266,11 +263,11 @@ protected:
         // From another thread, as an abort must be; returns once the command was told.
         const auto startAbort = [&] {
             abort = std::async(std::launch::async, cell.abort);
-            eventually([] { return library.runFlag == 0; });
+            eventually([this] { return session.runFlag == 0; });
         };
         if (cell.abortInMove) {
-            device.inMove = [&] {
-                if (device.moves().size() == cell.at + 1)
+            system.inMove = [&] {
+                if (system.moves().size() == cell.at + 1)
                     startAbort();
             };
         }
@@ -279,20 +276,20 @@ protected:
                 misbehave(cell, startAbort);
         };
         {
-            const Camera camera(host, cell.framesUntilTheyStop);
+            const Camera camera(session, host, cell.framesUntilTheyStop);
             cell.operation->post(host);
             if (cell.framesUntilTheyStop) {
                 EXPECT_TRUE(eventually([&] {
-                    return camera.hasStopped() && library.frameRequest == 1 && device.moves().size() == cell.moves;
+                    return camera.hasStopped() && session.frameRequest == 1 && system.moves().size() == cell.moves;
                 }));
                 if (cell.abortInWait)
                     startAbort();
                 else
-                    clockSpeed = 50;
+                    system.timePasses = true;
             }
             waitUntilIdle();
         }
-        clockSpeed = 1;
+        system.timePasses = false;
         if (abort.valid()) {
             EXPECT_NE(abort.get(), 0);
         }
@@ -303,57 +300,56 @@ protected:
     }
 
 private:
-    static void prepareDevice(const Cell& cell)
+    void prepareDevice(const Cell& cell)
     {
-        device.reset();
-        device.existingUnits = {0};
-        if (!cell.noDrive)
-            device.openingUnits = {0};
-        device.refuseOpenRequest = cell.openRefused;
-        device.goodMoves = cell.refusals + cell.missingAcks > 0 ? cell.at : ScriptedDevice::NEVER;
-        device.refusals = cell.refusals;
-        device.missingAcks = cell.missingAcks;
+        system.reset({0});
+        if (cell.noDrive)
+            system.openingUnits.clear();
+        system.refuseOpenRequest = cell.openRefused;
+        system.goodMoves = cell.refusals + cell.missingAcks > 0 ? cell.at : ScriptedSystem::NEVER;
+        system.refusals = cell.refusals;
+        system.missingAcks = cell.missingAcks;
     }
 
     template <class StartAbort>
-    static void misbehave(const Cell& cell, StartAbort startAbort)
+    void misbehave(const Cell& cell, StartAbort startAbort)
     {
         if (cell.abortInCallback)
             startAbort();
         if (cell.longCallback || cell.throwInCallback)
-            clockSpeed = 50;
+            system.timePasses = true;
         if (cell.longCallback && cell.at < cell.operation->frames)
-            eventually([] { return library.runFlag == 0; }); // the wait gives up
+            eventually([this] { return session.runFlag == 0; }); // the wait gives up
         if (cell.throwInCallback)
             throw 1;
     }
 
-    static void expectOutcome(const Cell& cell, const Host& host)
+    void expectOutcome(const Cell& cell, const Host& host)
     {
         const bool isFusion = cell.operation == &FUSION;
         std::vector<std::int32_t> results;
         for (const Call& call : host.calls.calls()) {
-            const bool isNotice = !call.image && call.result == SUCCESS && cell.operation == &NOTICES;
+            const bool isNotice = !call.image && call.result == TESMOR_SUCCESS && cell.operation == &NOTICES;
             if ((call.image != nullptr) == isFusion && !isNotice)
                 results.push_back(call.result);
         }
         EXPECT_EQ(results, cell.result ? std::vector{*cell.result} : std::vector<std::int32_t>{});
-        EXPECT_EQ(device.moves().size(), cell.moves);
-        EXPECT_EQ(device.waited(), cell.waited);
-        EXPECT_EQ(device.isOpen(), cell.operation == &MANUAL && !cell.noDrive && cell.abort != tesmor_fini);
+        EXPECT_EQ(system.moves().size(), cell.moves);
+        EXPECT_EQ(system.waitedForDevice(), cell.waited);
+        EXPECT_EQ(system.isOpen(), cell.operation == &MANUAL && !cell.noDrive && cell.abort != tesmor_fini);
     }
 
     void expectReadyForTheNextCommand()
     {
-        device.reset({0});
+        system.reset({0});
         EXPECT_EQ(tesmor_doing(), 0);
-        EXPECT_EQ(library.frameRequest, 0);
+        EXPECT_EQ(session.frameRequest, 0);
         Host next;
         MANUAL.post(next);
         tesmor_reset();
         waitUntilIdle();
-        EXPECT_EQ(next.calls.calls(), std::vector{report(SUCCESS)});
-        EXPECT_FALSE(device.isOpen());
+        EXPECT_EQ(next.calls.calls(), std::vector{report(TESMOR_SUCCESS)});
+        EXPECT_FALSE(system.isOpen());
     }
 };
 

@@ -1,125 +1,138 @@
-// The exchange of a frame between the hook and the wait.
+// The exchange of a frame between the hook and the wait, on a clock that stands still unless it is told to go on.
 #include "frames/frame_hook.h"
 #include "frames/frame_wait.h"
 #include "measure/focus_measure.h"
-#include "session/result_codes.h"
 #include "support/call_recorder.h"
-#include "support/library_test.h"
-#include "support/scripted_clock.h"
-#include "support/video_thread.h"
+#include "support/scripted_system.h"
+
+#include <gtest/gtest.h>
 
 namespace tesmor::test {
 
 namespace {
 
-class Frames : public LibraryTest {
+class FrameExchange : public ::testing::Test {
 protected:
-    Frames()
+    FrameExchange()
     {
-        library.commandBlock.context = &recorder;
-        library.commandBlock.frameCallback = CallRecorder::onFrame;
-        library.runFlag = 1;
+        session.commandBlock.context = &recorder;
+        session.commandBlock.frameCallback = CallRecorder::onFrame;
+        session.runFlag = 1;
+        system.inWait = [this] {
+            ++waits;
+            if (waits == serveAt)
+                deliver();
+        };
     }
 
-    ~Frames() override
+    void deliver()
     {
-        clockSpeed = 1;
+        handleFrame(session, frame.data(), 16, 16);
     }
 
+    Session session;
+    ScriptedSystem system;
+    FrameWait frames{session, system};
     CallRecorder recorder;
-    const std::vector<std::uint8_t> frame = std::vector<std::uint8_t>(16 * 16 * 3, 9);
+    std::vector<std::uint8_t> frame = std::vector<std::uint8_t>(16 * 16 * 3, 9);
+    int waits = 0;
+    int serveAt = 1;
 };
 
-TEST_F(Frames, ARequestIsServedOnceAndSignalledAfterTheCallback)
+TEST_F(FrameExchange, ARequestIsServedOnceAndSignalledAfterTheCallback)
 {
     for (const CommandCode command : {CMD_CAPTURE, CMD_STACK}) {
         CallRecorder captured;
         bool signalledInside = true;
-        captured.then = [&](const Call&) { signalledInside = library.frameEvent.waitFor(0); };
-        library.commandBlock.command = command;
-        library.commandBlock.context = &captured;
-        library.frameEvent.reset();
-        library.frameRequest = 1;
-        handleFrame(frame.data(), 16, 16);
-        handleFrame(frame.data(), 16, 16);
-        EXPECT_EQ(captured.calls(), (std::vector{Call{frame.data(), 16, 16, SUCCESS}}));
+        captured.then = [&](const Call&) { signalledInside = session.frameEvent.waitFor(0); };
+        session.commandBlock.command = command;
+        session.commandBlock.context = &captured;
+        session.frameEvent.reset();
+        session.frameRequest = 1;
+        deliver();
+        deliver();
+        EXPECT_EQ(captured.calls(), (std::vector{Call{frame.data(), 16, 16, TESMOR_SUCCESS}}));
         EXPECT_FALSE(signalledInside);
-        EXPECT_TRUE(library.frameEvent.waitFor(0));
+        EXPECT_TRUE(session.frameEvent.waitFor(0));
     }
 }
 
-TEST_F(Frames, AnAutofocusFrameIsMeasured)
+TEST_F(FrameExchange, AnAutofocusFrameIsMeasuredAndItsSharpnessReturned)
 {
-    std::vector<std::uint8_t> checkered = frame;
-    checkered[(8 * 16 + 8) * 3] = 200;
-    library.commandBlock.command = CMD_AUTOFOCUS;
-    library.commandBlock.magnification = 40;
-    library.frameRequest = 1;
-    handleFrame(checkered.data(), 16, 16);
-    EXPECT_GT(library.commandBlock.focusValue, 0.0);
-    EXPECT_EQ(library.commandBlock.focusValue, measureFocus(checkered.data(), 16, 16, 40, library.lumaTables));
-    EXPECT_TRUE(library.frameEvent.waitFor(0));
+    frame[(8 * 16 + 8) * 3] = 200;
+    session.commandBlock.command = CMD_AUTOFOCUS;
+    session.commandBlock.magnification = 40;
+    const FrameReply reply = frames.next();
+    EXPECT_EQ(reply.result, TESMOR_SUCCESS);
+    EXPECT_EQ(reply.sharpness, measureFocus(frame.data(), 16, 16, 40, session.lumaTables));
+    EXPECT_GT(session.commandBlock.focusValue, 0.0);
     EXPECT_TRUE(recorder.calls().empty());
 }
 
-TEST_F(Frames, AFrameForNoCommandTakesTheRequestAndSignalsNothing)
+TEST_F(FrameExchange, SharpnessIsOfTheAutofocusThatIsPosted)
 {
-    library.commandBlock.command = CMD_IDLE;
-    library.frameEvent.reset();
-    library.frameRequest = 1;
-    handleFrame(frame.data(), 16, 16);
-    EXPECT_EQ(library.frameRequest, 0);
-    EXPECT_FALSE(library.frameEvent.waitFor(0));
+    session.commandBlock.command = CMD_AUTOFOCUS;
+    system.inWait = [this] {
+        deliver();
+        session.commandBlock.command = CMD_IDLE;
+    };
+    const FrameReply reply = frames.next();
+    EXPECT_EQ(reply.result, TESMOR_SUCCESS);
+    EXPECT_EQ(reply.sharpness, std::nullopt);
 }
 
-TEST_F(Frames, ARequestThatIsGivenUpIsNotServedForTheNextCommand)
+TEST_F(FrameExchange, AFrameForNoCommandTakesTheRequestAndSignalsNothing)
 {
-    library.commandBlock.command = CMD_STACK;
-    library.frameRequest = 1;
-    library.commandLock.lock();
-    std::jthread video([&] { handleFrame(frame.data(), 16, 16); });
-    for (int i = 0; i < 10'000 && library.frameRequest == 1; ++i)
-        std::this_thread::yield(); // a hook that takes the request too early gets the time for it
-    library.frameRequest = 0;
-    library.commandLock.unlock();
-    video.join();
+    session.frameEvent.reset();
+    session.frameRequest = 1;
+    deliver();
+    EXPECT_EQ(session.frameRequest, 0);
+    EXPECT_FALSE(session.frameEvent.waitFor(0));
+}
+
+TEST_F(FrameExchange, ARequestThatIsGivenUpIsNotServedForTheNextCommand)
+{
+    session.commandBlock.command = CMD_STACK;
+    serveFrame(session, frame.data(), 16, 16); // the hook had seen the request, and then it was withdrawn
     EXPECT_TRUE(recorder.calls().empty());
 }
 
-TEST_F(Frames, TheWaitTakesNoSignalFromBefore)
+TEST_F(FrameExchange, TheWaitTakesNoSignalFromBefore)
 {
-    clockSpeed = 50;
-    library.frameEvent.set();
-    EXPECT_EQ(waitForFrame(), NO_FRAME);
-    EXPECT_EQ(library.runFlag, 0);
-    EXPECT_EQ(library.frameRequest, 0);
-    EXPECT_EQ(waitForFrame(), ABORTED) << "a time-out ends the whole command";
+    serveAt = 0;
+    system.timePasses = true;
+    session.frameEvent.set();
+    EXPECT_EQ(frames.next().result, TESMOR_NO_FRAME);
+    EXPECT_EQ(waits, 32) << "slices of 128 ms until more than 4000 have passed";
+    EXPECT_EQ(session.runFlag, 0);
+    EXPECT_EQ(session.frameRequest, 0);
+    EXPECT_EQ(frames.next().result, TESMOR_ABORTED) << "a time-out ends the whole command";
 }
 
-TEST_F(Frames, TheWaitTakesNoSignalOfARequestThatWasGivenUp)
+TEST_F(FrameExchange, TheWaitTakesNoSignalOfARequestThatWasGivenUp)
 {
-    library.commandBlock.command = CMD_STACK;
-    std::atomic<bool> ended{false};
-    std::size_t framesBefore = 0;
-    std::jthread worker([&] {
-        EXPECT_EQ(waitForFrame(), SUCCESS);
-        framesBefore = recorder.calls().size();
-        ended = true;
-    });
-    ASSERT_TRUE(eventually([] { return library.frameRequest == 1; }));
-    library.frameEvent.set(); // by a hook that was held up in the callback of the command before
-    for (int i = 0; i < 10'000 && !ended; ++i)
-        std::this_thread::yield();
-    handleFrame(frame.data(), 16, 16);
-    worker.join();
-    EXPECT_EQ(framesBefore, 1u);
+    session.commandBlock.command = CMD_STACK;
+    system.inWait = [this] {
+        if (++waits == 1)
+            session.frameEvent.set(); // by a hook that was held up in the callback of the command before
+        else
+            deliver();
+    };
+    EXPECT_EQ(frames.next().result, TESMOR_SUCCESS);
+    EXPECT_EQ(waits, 2);
 }
 
-TEST_F(Frames, TheWaitGivesUpOnlyAfterMoreThanFourSeconds)
+TEST_F(FrameExchange, FourSecondsAreNotYetTooLong)
 {
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(waitForFrame(), NO_FRAME);
-    EXPECT_GT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(4000));
+    session.commandBlock.command = CMD_STACK;
+    serveAt = 2;
+    const auto serve = system.inWait;
+    system.inWait = [this, serve] {
+        system.sleepMilliseconds(waits == 0 ? 4000 : 0);
+        serve();
+    };
+    EXPECT_EQ(frames.next().result, TESMOR_SUCCESS);
+    EXPECT_EQ(waits, 2);
 }
 
 } // namespace

@@ -27,7 +27,7 @@ protected:
         tesmor_video(frame.pixels, frame.width, frame.height);
     }
 
-    static std::int32_t focus(std::uint16_t magnification)
+    std::int32_t focus(std::uint16_t magnification)
     {
         test::CallRecorder recorder;
         tesmor_start(magnification, test::CallRecorder::onDone, &recorder);

@@ -2,39 +2,28 @@
 #include "operations/autofocus_search.h"
 
 #include "drive/focus_drive.h"
-#include "operations/scripted_sharpness.h"
-#include "session/result_codes.h"
-#include "support/library_test.h"
-#include "support/scripted_device.h"
+#include "support/scripted_frames.h"
 
 #include <cmath>
+#include <gtest/gtest.h>
+#include <sstream>
 
 namespace tesmor::test {
 
 namespace {
 
-class Search : public LibraryTest {
+class Search : public ::testing::Test {
 protected:
-    Search()
-    {
-        startAnew();
-    }
-
-    void startAnew()
-    {
-        device.reset({0});
-        library.commandBlock.command = CMD_AUTOFOCUS;
-        sharpness = [](std::int64_t) { return 1.0; };
-        waitResult = [](int) { return SUCCESS; };
-        waits = 0;
-    }
-
     std::int32_t search(std::uint16_t magnification)
     {
-        const std::int32_t result = autofocusSearch(magnification);
-        EXPECT_FALSE(device.isOpen());
-        return result;
+        system.reset({0});
+        frames.positions.clear();
+        FocusDrive drive(system, system);
+        return autofocusSearch(drive, frames, magnification);
     }
+
+    ScriptedSystem system;
+    ScriptedFrames frames{system};
 };
 
 // "3x4000 -8000" as {4000, 4000, 4000, -8000}.
@@ -82,10 +71,9 @@ TEST_F(Search, MovesAsTheCurveTellsIt)
          "3x320 6x-320 960 4x320 -640 6x-320 640 4x64 -128 -128"},
     };
     for (const Case& c : cases) {
-        startAnew();
-        sharpness = c.sharpness;
-        EXPECT_EQ(search(c.magnification), SUCCESS) << c.name;
-        EXPECT_EQ(device.moves(), movesOf(c.moves)) << c.name;
+        frames.sharpness = c.sharpness;
+        EXPECT_EQ(search(c.magnification), TESMOR_SUCCESS) << c.name;
+        EXPECT_EQ(system.moves(), movesOf(c.moves)) << c.name;
     }
 }
 
@@ -95,51 +83,38 @@ TEST_F(Search, TakesStepsOfTheMagnification)
         {4, 4000}, {10, 1000}, {20, 640}, {40, 320}, {60, 320}, {80, 1500}, {100, 320}, {0, 1500}, {101, 1500},
     };
     for (const auto& [magnification, step] : coarseSteps) {
-        startAnew();
-        EXPECT_EQ(search(magnification), SUCCESS);
-        EXPECT_EQ(device.moves().size(), 26u) << magnification;
-        EXPECT_EQ(device.moves().front(), step) << magnification;
-        EXPECT_EQ(device.moves().at(20), step / 5) << magnification;
+        EXPECT_EQ(search(magnification), TESMOR_SUCCESS);
+        EXPECT_EQ(system.moves().size(), 26u) << magnification;
+        EXPECT_EQ(system.moves().front(), step) << magnification;
+        EXPECT_EQ(system.moves().at(20), step / 5) << magnification;
     }
 }
 
 TEST_F(Search, ClimbsPastItsRangeAsLongAsTheSharpnessRises)
 {
-    sharpness = [](std::int64_t x) { return static_cast<double>(x); };
-    waitResult = [](int wait) { return wait < 200 ? SUCCESS : ABORTED; };
-    EXPECT_EQ(search(40), ABORTED);
-    EXPECT_EQ(device.position(), (200 - 8) * 320) << "every wait after the probe's 7 and the start's is a step";
+    frames.sharpness = [](std::int64_t x) { return static_cast<double>(x); };
+    frames.goodWaits = 199;
+    frames.then = {TESMOR_ABORTED, std::nullopt};
+    EXPECT_EQ(search(40), TESMOR_ABORTED);
+    EXPECT_EQ(system.position(), (200 - 8) * 320) << "every wait after the probe's 7 and the start's is a step";
 }
 
 TEST_F(Search, ReturnsToTheStartOfTheFineSweepWhenNothingReachesIt)
 {
     // Seen from the sweep back, the one sharp place is where the fine sweep begins.
-    sharpness = [](std::int64_t x) { return x == 960 ? 9.0 : peakAt(960, x); };
-    EXPECT_EQ(search(40), SUCCESS);
-    EXPECT_EQ(device.position(), 960);
+    frames.sharpness = [](std::int64_t x) { return x == 960 ? 9.0 : peakAt(960, x); };
+    EXPECT_EQ(search(40), TESMOR_SUCCESS);
+    EXPECT_EQ(system.position(), 960);
 }
 
-TEST_F(Search, EndsAtTheSampleThatFindsAnotherCommand)
+TEST_F(Search, EndsAtTheFrameThatFindsAnotherCommand)
 {
     search(40);
-    const int allWaits = waits;
-    for (int wait = 1; wait <= allWaits; ++wait) {
-        startAnew();
-        sharpness = [=](std::int64_t) {
-            if (waits + 1 == wait)
-                library.commandBlock.command = CMD_IDLE;
-            return 1.0;
-        };
-        EXPECT_EQ(search(40), SUCCESS);
-        EXPECT_EQ(waits, wait);
+    const auto allWaits = static_cast<int>(frames.positions.size());
+    for (frames.goodWaits = 0; frames.goodWaits < allWaits; ++frames.goodWaits) {
+        EXPECT_EQ(search(40), TESMOR_SUCCESS);
+        EXPECT_EQ(frames.positions.size(), static_cast<std::size_t>(frames.goodWaits) + 1);
     }
-}
-
-TEST_F(Search, ClosesTheDriveOfAManualMove)
-{
-    library.manualDrive = std::make_unique<FocusDrive>();
-    EXPECT_EQ(search(40), SUCCESS);
-    EXPECT_EQ(library.manualDrive, nullptr);
 }
 
 } // namespace

@@ -15,8 +15,8 @@ namespace tesmor::test {
 namespace {
 
 using namespace platform;
-using std::chrono::steady_clock;
 
+constexpr std::uint32_t HOURS_MS = 10'000'000;
 constexpr std::uint32_t CODE = 0x222059;
 const Packet INPUT{0, 2, 0, 0, 0xD1, 0, 0x60, 0x80, 0x80, 0x0C};
 const Packet ACCEPTED{0x59, 0x20, 0x22, 0, 1};
@@ -27,38 +27,30 @@ class DriveLink : public ::testing::Test {
 protected:
     DriveLink()
     {
-        device = openDevice(unit);
         service.acceptClient();
-    }
-
-    ~DriveLink() override
-    {
-        if (device != INVALID_DEVICE)
-            closeDevice(device);
     }
 
     bool control()
     {
-        return controlDevice(device, CODE, INPUT);
+        return device->control(CODE, INPUT);
     }
 
     bool readAck(std::uint32_t timeoutMs = 0)
     {
-        return readDeviceByte(device, &completion, timeoutMs);
+        return device->readByte(&completion, timeoutMs);
     }
 
+    // At once, that is: a wait would not end before the test is given up.
     void expectLinkDown()
     {
-        const auto start = steady_clock::now();
         EXPECT_FALSE(control());
-        EXPECT_FALSE(readAck(1500));
-        EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(500));
+        EXPECT_FALSE(readAck(HOURS_MS));
     }
 
     // Not one of the sixteen, so that nobody else has it.
     const unsigned unit = 1000 + static_cast<unsigned>(getpid());
     RawService service{unit};
-    DeviceHandle device;
+    std::unique_ptr<DriveDevice> device = systemDriveUnits().open(unit);
     Event completion{Reset::manual, false};
 };
 
@@ -87,7 +79,7 @@ TEST_F(DriveLink, KeepsAcknowledgementsAndIgnoresTheRest)
     service.send(ACCEPTED); // nobody asked
     service.send(ACK);
     EXPECT_TRUE(readAck(1500));
-    EXPECT_FALSE(readDeviceByte(device, nullptr, 0)) << "without an event every read fails";
+    EXPECT_FALSE(device->readByte(nullptr, 0)) << "without an event every read fails";
 }
 
 TEST_F(DriveLink, APacketThatIsThereIsReadThoughTheTimeIsUp)
@@ -100,32 +92,25 @@ TEST_F(DriveLink, APacketThatIsThereIsReadThoughTheTimeIsUp)
     EXPECT_TRUE(control()) << "the link is still up";
 }
 
-TEST_F(DriveLink, AServiceThatHangsCostsASecondAndTheLink)
+TEST_F(DriveLink, AServiceThatHangsCostsTheLink)
 {
-    const auto start = steady_clock::now();
     EXPECT_FALSE(control());
-    const auto taken = steady_clock::now() - start;
-    EXPECT_GE(taken, std::chrono::milliseconds(1000));
-    EXPECT_LT(taken, std::chrono::milliseconds(3000));
     EXPECT_TRUE(service.receive().has_value());
     EXPECT_EQ(service.receive(), Packet{}) << "the client has left";
     expectLinkDown();
 }
 
-TEST_F(DriveLink, AServiceThatOnlyTalksCostsASecondToo)
+TEST_F(DriveLink, AServiceThatOnlyTalksIsGivenUpToo)
 {
     std::atomic<bool> stop{false};
     std::jthread chatter([&] {
         while (!stop)
             service.send({1, 2, 3});
     });
-    const auto start = steady_clock::now();
     EXPECT_FALSE(control());
     EXPECT_FALSE(readAck(50));
-    EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(3000));
     stop = true;
-    closeDevice(device);
-    device = INVALID_DEVICE;
+    device.reset();
 }
 
 TEST_F(DriveLink, AServiceThatDiesIsNoticedWithoutASignal)
@@ -139,7 +124,7 @@ TEST_F(DriveLink, AServiceThatDiesIsNoticedWithoutASignal)
 TEST_F(DriveLink, AServiceThatDiesDuringAReadEndsTheRead)
 {
     std::jthread death([&] { service.vanish(); });
-    EXPECT_FALSE(readAck(1500));
+    EXPECT_FALSE(readAck(HOURS_MS));
     death.join();
     expectLinkDown();
 }
@@ -164,8 +149,7 @@ TEST_F(DriveLink, EndsAlsoWhileAForkedChildHoldsTheDescriptor)
         pause();
         _exit(0);
     }
-    closeDevice(device);
-    device = INVALID_DEVICE;
+    device.reset();
     EXPECT_EQ(service.receive(), Packet{}) << "the client has left";
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
@@ -173,10 +157,7 @@ TEST_F(DriveLink, EndsAlsoWhileAForkedChildHoldsTheDescriptor)
 
 TEST(DriveLinkPeer, NobodyThereIsNoDevice)
 {
-    EXPECT_EQ(openDevice(2000 + static_cast<unsigned>(getpid())), INVALID_DEVICE);
-    EXPECT_FALSE(controlDevice(INVALID_DEVICE, CODE, INPUT));
-    Event completion{Reset::manual, false};
-    EXPECT_FALSE(readDeviceByte(INVALID_DEVICE, &completion, 1500));
+    EXPECT_EQ(systemDriveUnits().open(2000 + static_cast<unsigned>(getpid())), nullptr);
 }
 
 class HangingService : public LibraryTest {};
@@ -206,7 +187,7 @@ TEST(DriveLinkPeer, AServiceOfAnotherUserIsPassedOver)
     ASSERT_EQ(seteuid(NOBODY), 0);
     RawService service(unit);
     ASSERT_EQ(seteuid(0), 0);
-    EXPECT_EQ(openDevice(unit), INVALID_DEVICE);
+    EXPECT_EQ(systemDriveUnits().open(unit), nullptr);
     service.acceptClient();
     EXPECT_EQ(service.receive(), Packet{}) << "the client has left at once";
 }

@@ -40,7 +40,7 @@ std::vector<Scheduling> schedulingOfAFusion()
     const std::vector<std::uint8_t> image(8 * 24);
     std::vector<std::uint8_t> output(image.size());
     const std::uint8_t* const images[] = {image.data()};
-    setUpLibrary(nullptr);
+    setUpLibrary(nullptr, platform::systemDriveUnits(), platform::systemClock());
     tesmor_init();
     tesmor_fusion(images, 1, 8, 8, output.data(), CallRecorder::onFrame, &recorder);
     tesmor_reset(); // waits for the fusion

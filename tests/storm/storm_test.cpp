@@ -1,33 +1,33 @@
 // Threads that post, abort, ask, feed frames and re-initialise as they please, on the virtual microscope.
-//   storm_tests [--commands=N] [--seed=S]
+// Longer, with another seed each time: system_tests --gtest_filter='Storm*' --gtest_repeat=80 --gtest_shuffle
 // What a host must not do is left out: no post comes from a callback, and tesmor_init and tesmor_fini come from one
 // thread in turn. A post that finds the worker gone waits for the next tesmor_init, so the last one follows all posts.
 #include "microscope/virtual_microscope.h"
-#include "session/result_codes.h"
 #include "support/library_test.h"
 #include "support/process_figures.h"
 
 #include <array>
-#include <charconv>
 #include <cstdlib>
 #include <deque>
 #include <random>
 #include <set>
-#include <string_view>
 
 namespace tesmor::test {
 
 namespace {
 
-unsigned long commandCount = 1200;
-unsigned long seed = 1;
-
+constexpr unsigned long COMMANDS = 1200;
 constexpr std::size_t POSTERS = 4;
 constexpr std::uint32_t SIDE = 16; // pixels of a fused image
 constexpr std::uint16_t SLICES = 3;
 constexpr auto PATIENCE = std::chrono::seconds(60);
 
 std::atomic<unsigned long> progress{0}; // posts and callbacks; what the watchdog looks at
+
+unsigned seedOfThisRun()
+{
+    return static_cast<unsigned>(::testing::UnitTest::GetInstance()->random_seed());
+}
 
 enum class Kind { manual, autofocus, stack, notices, capture, fusion };
 
@@ -56,7 +56,7 @@ struct Heard {
     {
         ++progress;
         auto& heard = *static_cast<Heard*>(context);
-        if (heard.kind == Kind::fusion ? image != nullptr : !image && result != SUCCESS)
+        if (heard.kind == Kind::fusion ? image != nullptr : !image && result != TESMOR_SUCCESS)
             heard.end(result);
         else if (heard.kind != Kind::fusion)
             ++heard.frames;
@@ -64,16 +64,17 @@ struct Heard {
 
     bool isInOrder() const
     {
-        const std::set<std::int32_t> possible = kind == Kind::fusion
-                                                    ? std::set{SUCCESS, ABORTED}
-                                                    : std::set{SUCCESS, STACK_DONE, MOVE_FAILED, ABORTED, NO_FRAME};
+        const std::set<std::int32_t> possible =
+            kind == Kind::fusion ? std::set<std::int32_t>{TESMOR_SUCCESS, TESMOR_ABORTED}
+                                 : std::set<std::int32_t>{TESMOR_SUCCESS, TESMOR_STACK_DONE, TESMOR_MOVE_FAILED,
+                                                          TESMOR_ABORTED, TESMOR_NO_FRAME};
         switch (kind) {
         case Kind::capture:
             return results == 0 && frames <= 1;
         case Kind::stack:
             return results == 1 && frames <= SLICES && possible.contains(result);
         case Kind::notices:
-            return results == 1 && frames == SLICES && result == STACK_DONE;
+            return results == 1 && frames == SLICES && result == TESMOR_STACK_DONE;
         default:
             return results == 1 && frames == 0 && possible.contains(result);
         }
@@ -83,7 +84,7 @@ struct Heard {
 // One of the threads of the storm; `at` says where it stands.
 class Poster {
 public:
-    explicit Poster(unsigned long number) : random_(seed * 1000 + number) {}
+    explicit Poster(unsigned long number) : random_(seedOfThisRun() * 1000 + number) {}
 
     void run(unsigned long commands)
     {
@@ -180,12 +181,12 @@ TEST_F(Storm, ReportsEveryCommandOnceAndLeavesNothingBehind)
     for (std::size_t i = 0; i < POSTERS; ++i) {
         posters[i] = std::make_unique<Poster>(i);
         threads.emplace_back([&, i] {
-            posters[i]->run(commandCount / POSTERS);
+            posters[i]->run(COMMANDS / POSTERS);
             --postersLeft;
         });
     }
     threads.emplace_back([&] { // starts and ends the worker again and again
-        std::mt19937 random(seed);
+        std::mt19937 random(seedOfThisRun());
         while (postersLeft > 0) {
             keeperAt = "tesmor_init";
             EXPECT_EQ(tesmor_init(), 1);
@@ -200,7 +201,7 @@ TEST_F(Storm, ReportsEveryCommandOnceAndLeavesNothingBehind)
             EXPECT_NE(tesmor_fini(), 0);
             ++progress;
         }
-        if (!library.workerHandle)
+        if (!hasWorker())
             tesmor_init();
         keeperAt = "last command";
         tesmor_reset();
@@ -229,8 +230,8 @@ TEST_F(Storm, ReportsEveryCommandOnceAndLeavesNothingBehind)
         for (const auto& poster : posters)
             std::fprintf(stderr, "poster: %s\n", poster->at.load());
         std::fprintf(stderr, "keeper: %s; command %u, doing %d, runFlag %d, frameRequest %d; drive %s\n",
-                     keeperAt.load(), static_cast<unsigned>(library.commandBlock.command), tesmor_doing(),
-                     library.runFlag.load(), library.frameRequest.load(), microscope.isMoving() ? "moving" : "at rest");
+                     keeperAt.load(), static_cast<unsigned>(session.commandBlock.command), tesmor_doing(),
+                     session.runFlag.load(), session.frameRequest.load(), microscope.isMoving() ? "moving" : "at rest");
         std::abort();
     }
     threads.clear();
@@ -243,40 +244,18 @@ TEST_F(Storm, ReportsEveryCommandOnceAndLeavesNothingBehind)
                 << "kind " << static_cast<int>(heard.kind) << ": " << heard.results << " results, the last "
                 << heard.result << ", " << heard.frames << " frames";
             ++commands;
-            aborted += heard.result == ABORTED;
+            aborted += heard.result == TESMOR_ABORTED;
         }
     }
     EXPECT_TRUE(eventually([&] { return ProcessFigures::now().threads == before.threads; }));
     EXPECT_TRUE(eventually([&] { return ProcessFigures::now().descriptors == before.descriptors; }));
     const ProcessFigures after = ProcessFigures::now();
-    std::printf("%zu commands reported once each, %zu of them aborted, %d starts; seed %lu\n"
+    std::printf("%zu commands reported once each, %zu of them aborted, %d starts; seed %u\n"
                 "threads %ld, then %ld; descriptors %ld, then %ld; memory %ld kB, then %ld kB\n",
-                commands, aborted, starts, seed, before.threads, after.threads, before.descriptors, after.descriptors,
-                before.residentKilobytes, after.residentKilobytes);
-}
-
-bool readNumber(std::string_view argument, std::string_view name, unsigned long& number)
-{
-    if (!argument.starts_with(name))
-        return false;
-    argument.remove_prefix(name.size());
-    const auto [end, error] = std::from_chars(argument.data(), argument.data() + argument.size(), number);
-    return error == std::errc() && end == argument.data() + argument.size();
+                commands, aborted, starts, seedOfThisRun(), before.threads, after.threads, before.descriptors,
+                after.descriptors, before.residentKilobytes, after.residentKilobytes);
 }
 
 } // namespace
 
 } // namespace tesmor::test
-
-int main(int argc, char** argv)
-{
-    using namespace tesmor::test;
-    testing::InitGoogleTest(&argc, argv);
-    for (int i = 1; i < argc; ++i) {
-        if (!readNumber(argv[i], "--commands=", commandCount) && !readNumber(argv[i], "--seed=", seed)) {
-            std::fprintf(stderr, "usage: %s [--commands=N] [--seed=S]\n", argv[0]);
-            return 2;
-        }
-    }
-    return RUN_ALL_TESTS();
-}

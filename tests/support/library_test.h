@@ -2,6 +2,8 @@
 #pragma once
 
 #include "api/library.h"
+#include "support/scripted_system.h"
+#include "tesmor.h"
 
 #include <chrono>
 #include <gtest/gtest.h>
@@ -9,13 +11,47 @@
 
 namespace tesmor::test {
 
+// On the drive units and the clock of this computer, or on others.
 class LibraryTest : public ::testing::Test {
 protected:
-    LibraryTest();
-    ~LibraryTest() override;
+    explicit LibraryTest(platform::DriveUnits& units = platform::systemDriveUnits(),
+                         platform::Clock& clock = platform::systemClock())
+        : library_(setUpLibrary(nullptr, units, clock)), session(library_.session)
+    {
+    }
+
+    ~LibraryTest() override
+    {
+        if (hasWorker())
+            tesmor_fini();
+    }
+
+    bool hasWorker() const
+    {
+        return library_.workerHandle != nullptr;
+    }
 
     // Posts nothing and waits until the worker has run everything that was posted.
-    static void waitUntilIdle();
+    void waitUntilIdle()
+    {
+        session.idleEvent.wait();
+        session.idleEvent.set();
+    }
+
+private:
+    Library& library_;
+
+protected:
+    Session& session;
+};
+
+struct HasScriptedSystem {
+    ScriptedSystem system;
+};
+
+class ScriptedLibraryTest : protected HasScriptedSystem, public LibraryTest {
+protected:
+    ScriptedLibraryTest() : LibraryTest(system, system) {}
 };
 
 // Whether `condition` came true within ten seconds.

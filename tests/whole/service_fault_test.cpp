@@ -1,7 +1,6 @@
 // The whole library on the real link: a drive service that fails in every way, early and late in every
 // operation that moves the focus.
 #include "microscope/virtual_microscope.h"
-#include "session/result_codes.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
 
@@ -13,7 +12,6 @@ namespace {
 
 using microscope::Faults;
 using microscope::VirtualMicroscope;
-using std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 struct Operation {
@@ -24,28 +22,30 @@ struct Operation {
 };
 
 const Operation OPERATIONS[] = {
-    {"manual move", [](CallRecorder& r) { tesmor_manual(90, CallRecorder::onDone, &r); }, SUCCESS, {0}},
-    {"autofocus", [](CallRecorder& r) { tesmor_start(40, CallRecorder::onDone, &r); }, SUCCESS, {0, 4, 12}},
-    {"stack", [](CallRecorder& r) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &r, 0); }, STACK_DONE, {0, 1, 3}},
+    {"manual move", [](CallRecorder& r) { tesmor_manual(90, CallRecorder::onDone, &r); }, TESMOR_SUCCESS, {0}},
+    {"autofocus", [](CallRecorder& r) { tesmor_start(40, CallRecorder::onDone, &r); }, TESMOR_SUCCESS, {0, 4, 12}},
+    {"stack",
+     [](CallRecorder& r) { tesmor_startif(10, 3, 1, CallRecorder::onFrame, &r, 0); },
+     TESMOR_STACK_DONE,
+     {0, 1, 3}},
 };
 
 struct Fault {
     const char* name;
     Faults faults;
-    bool isFatal;                   // the operation fails, else it succeeds
-    std::chrono::milliseconds time; // that it costs the operation at most, five seconds for a busy machine included
+    bool isFatal; // the operation fails, else it succeeds
 };
 
 const Fault FAULTS[] = {
-    {"refuses a move", {.refuseMoves = 1}, false, 20ms + 5s},
-    {"refuses every move", {.refuseMoves = 5}, true, 100ms + 5s},
-    {"refuses any request", {.refuseRequests = 1}, false, 20ms + 5s},
-    {"sends rubbish", {.rubbishReplies = 1000}, false, 5s},
-    {"acknowledges late", {.acknowledgementDelay = 20ms}, false, 30 * 20ms + 5s},
-    {"hangs", {.hangRequests = 1}, true, 1000ms + 100ms + 5s},
-    {"goes at a request", {.vanishAtRequest = true}, true, 100ms + 5s},
-    {"goes before a reply", {.vanishBeforeReply = true}, true, 100ms + 5s},
-    {"goes in a move", {.vanishInMove = true}, true, 100ms + 5s},
+    {"refuses a move", {.refuseMoves = 1}, false},
+    {"refuses every move", {.refuseMoves = 5}, true},
+    {"refuses any request", {.refuseRequests = 1}, false},
+    {"sends rubbish", {.rubbishReplies = 1000}, false},
+    {"acknowledges late", {.acknowledgementDelay = 20ms}, false},
+    {"hangs", {.hangRequests = 1}, true},
+    {"goes at a request", {.vanishAtRequest = true}, true},
+    {"goes before a reply", {.vanishBeforeReply = true}, true},
+    {"goes in a move", {.vanishInMove = true}, true},
 };
 
 class ServiceFaults : public LibraryTest {
@@ -65,7 +65,6 @@ protected:
     {
         microscope->start([](const auto& frame) { tesmor_video(frame.pixels, frame.width, frame.height); });
         CallRecorder recorder;
-        const auto start = steady_clock::now();
         if (at == 0)
             microscope->setFaults(fault.faults);
         operation.post(recorder);
@@ -75,7 +74,7 @@ protected:
         };
         int frames = 0;
         EXPECT_TRUE(eventually([&] {
-            if (library.frameRequest == 1) {
+            if (session.frameRequest == 1) {
                 if (++frames == at)
                     microscope->setFaults(fault.faults);
                 microscope->deliverFrame();
@@ -83,8 +82,7 @@ protected:
             return hasEnded();
         }));
         waitUntilIdle();
-        EXPECT_LT(steady_clock::now() - start, fault.time);
-        EXPECT_EQ(recorder.calls().back(), report(fault.isFatal ? MOVE_FAILED : operation.success));
+        EXPECT_EQ(recorder.calls().back(), report(fault.isFatal ? TESMOR_MOVE_FAILED : operation.success));
         microscope->stop();
         microscope->setFaults({});
         expectReadyForTheNextCommand();
@@ -101,7 +99,7 @@ private:
         tesmor_manual(1, CallRecorder::onDone, &next);
         tesmor_reset();
         waitUntilIdle();
-        EXPECT_EQ(next.calls(), std::vector{report(SUCCESS)});
+        EXPECT_EQ(next.calls(), std::vector{report(TESMOR_SUCCESS)});
         microscope->stop();
     }
 };

@@ -92,23 +92,18 @@ bool isTrusted(int socketFd) noexcept
            (peer.uid == 0 || peer.uid == geteuid());
 }
 
-} // namespace
-
 // Once the peer has gone or failed to answer in time, the link is down for good: a late reply can then never be taken
 // for another request's.
-class DriveDevice {
+class DriveLink final : public DriveDevice {
 public:
-    explicit DriveDevice(int socketFd) noexcept : socketFd_(socketFd) {}
+    explicit DriveLink(int socketFd) noexcept : socketFd_(socketFd) {}
 
-    ~DriveDevice()
+    ~DriveLink() override
     {
         shutDown();
     }
 
-    DriveDevice(const DriveDevice&) = delete;
-    DriveDevice& operator=(const DriveDevice&) = delete;
-
-    bool control(std::uint32_t code, std::span<const std::uint8_t> input) noexcept
+    bool control(std::uint32_t code, std::span<const std::uint8_t> input) noexcept override
     {
         if (!send(code, input)) {
             shutDown();
@@ -123,6 +118,15 @@ public:
         return false;
     }
 
+    bool readByte(Event* completion, std::uint32_t timeoutMs) noexcept override
+    {
+        if (!completion)
+            return false;
+        completion->reset();
+        return takeAcknowledgement(timeoutMs) && completion->set();
+    }
+
+private:
     bool takeAcknowledgement(std::uint32_t timeoutMs) noexcept
     {
         Patience patience(timeoutMs);
@@ -134,7 +138,6 @@ public:
         return true;
     }
 
-private:
     struct Packet {
         std::array<std::uint8_t, REPLY_LENGTH> bytes;
         std::size_t length; // of the packet, also where that is more than the bytes kept
@@ -192,43 +195,38 @@ private:
     std::uint64_t keptAcknowledgements_ = 0; // received and not yet taken; their value means nothing
 };
 
-bool deviceExists(unsigned) noexcept
-{
-    return true;
-}
-
-DeviceHandle openDevice(unsigned unit) noexcept
-{
-    const int socketFd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
-    if (socketFd < 0)
-        return INVALID_DEVICE;
-    const int failure = connectToUnit(socketFd, unit);
-    const bool hangs = failure == EAGAIN;
-    if (hangs || (failure == 0 && isTrusted(socketFd))) {
-        // Nothing can be sent on a socket that is not connected: the link of a unit that hangs goes down at its first request.
-        if (DeviceHandle device = new (std::nothrow) DriveDevice(socketFd))
-            return device;
+class SystemDriveUnits final : public DriveUnits {
+public:
+    bool exists(unsigned) noexcept override
+    {
+        return true;
     }
-    ::close(socketFd);
-    return INVALID_DEVICE;
-}
 
-bool controlDevice(DeviceHandle device, std::uint32_t code, std::span<const std::uint8_t> input) noexcept
-{
-    return device != INVALID_DEVICE && device->control(code, input);
-}
+    std::unique_ptr<DriveDevice> open(unsigned unit) noexcept override
+    {
+        const int socketFd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        if (socketFd < 0)
+            return nullptr;
+        const int failure = connectToUnit(socketFd, unit);
+        const bool hangs = failure == EAGAIN;
+        if (hangs || (failure == 0 && isTrusted(socketFd))) {
+            // Nothing can be sent on a socket that is not connected: the link of a unit that hangs goes down at its
+            // first request.
+            if (auto* link = new (std::nothrow) DriveLink(socketFd))
+                return std::unique_ptr<DriveDevice>(link);
+        }
+        ::close(socketFd);
+        return nullptr;
+    }
+};
 
-bool readDeviceByte(DeviceHandle device, Event* completion, std::uint32_t timeoutMs) noexcept
-{
-    if (device == INVALID_DEVICE || !completion)
-        return false;
-    completion->reset();
-    return device->takeAcknowledgement(timeoutMs) && completion->set();
-}
+constinit SystemDriveUnits instance;
 
-void closeDevice(DeviceHandle device) noexcept
+} // namespace
+
+DriveUnits& systemDriveUnits() noexcept
 {
-    delete device;
+    return instance;
 }
 
 } // namespace tesmor::platform

@@ -1,5 +1,5 @@
 // Runs the load-time set-up when the shared object is loaded.
-#include "api/library.h"
+#include "platform/module.h"
 
 #include <dlfcn.h>
 
@@ -9,7 +9,7 @@ __attribute__((constructor)) void attach()
 {
     Dl_info self{};
     dladdr(reinterpret_cast<void*>(&attach), &self);
-    tesmor::setUpLibrary(self.dli_fbase);
+    tesmor::platform::onLoad(self.dli_fbase);
 }
 
 } // namespace

@@ -1,17 +1,36 @@
 #include "platform/clock.h"
 
-#include "native.h"
+#include "platform/event.h"
 
 namespace tesmor::platform {
 
-std::uint32_t tickMilliseconds() noexcept
-{
-    return GetTickCount();
-}
+namespace {
 
-void sleepMilliseconds(std::uint32_t milliseconds) noexcept
+class SystemClock final : public Clock {
+public:
+    std::uint32_t tickMilliseconds() noexcept override
+    {
+        return GetTickCount();
+    }
+
+    void sleepMilliseconds(std::uint32_t milliseconds) noexcept override
+    {
+        Sleep(milliseconds);
+    }
+
+    bool waitFor(Event& event, std::uint32_t milliseconds) noexcept override
+    {
+        return event.waitFor(milliseconds);
+    }
+};
+
+constinit SystemClock instance;
+
+} // namespace
+
+Clock& systemClock() noexcept
 {
-    Sleep(milliseconds);
+    return instance;
 }
 
 } // namespace tesmor::platform

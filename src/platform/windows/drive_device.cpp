@@ -7,23 +7,15 @@
 
 namespace tesmor::platform {
 
-// Never made: a DeviceHandle is the file handle itself.
-class DriveDevice {};
-
 namespace {
 
 constexpr std::size_t NAME_CHARACTERS = 32;
 constexpr DWORD TARGET_CHARACTERS = 260;
 
-HANDLE fileOf(DeviceHandle device) noexcept
-{
-    return reinterpret_cast<HANDLE>(device);
-}
-
 // What the system writes to when a read ends, which may be long after the wait for it, and even after its device was
 // closed.
 struct Read {
-    DeviceHandle device; // INVALID_DEVICE once it is closed
+    HANDLE device; // INVALID_HANDLE_VALUE once it is closed
     OVERLAPPED overlapped{};
     std::uint8_t byte = 0;
     Read* next = nullptr;
@@ -31,7 +23,7 @@ struct Read {
     // True also when the read goes on in the background.
     bool begin() noexcept
     {
-        return ReadFile(fileOf(device), &byte, 1, nullptr, &overlapped) || GetLastError() == ERROR_IO_PENDING;
+        return ReadFile(device, &byte, 1, nullptr, &overlapped) || GetLastError() == ERROR_IO_PENDING;
     }
 
     bool ended() const noexcept
@@ -43,7 +35,7 @@ struct Read {
     bool tookByte() noexcept
     {
         DWORD count = 0;
-        return device != INVALID_DEVICE && GetOverlappedResult(fileOf(device), &overlapped, &count, TRUE);
+        return device != INVALID_HANDLE_VALUE && GetOverlappedResult(device, &overlapped, &count, TRUE);
     }
 };
 
@@ -59,7 +51,7 @@ public:
 
     // Whether a byte has come from `device` that was not taken yet; takes it. Frees every read that has ended, but for
     // those whose bytes are still to be taken.
-    bool takeByte(DeviceHandle device) noexcept
+    bool takeByte(HANDLE device) noexcept
     {
         bool taken = false;
         for (Read** link = &first_; *link;) {
@@ -76,13 +68,13 @@ public:
     }
 
     // What its reads bring is of no interest any more.
-    void disown(DeviceHandle device) noexcept
+    void disown(HANDLE device) noexcept
     {
         for (Read* read = first_; read; read = read->next) {
             if (read->device == device)
-                read->device = INVALID_DEVICE;
+                read->device = INVALID_HANDLE_VALUE;
         }
-        takeByte(INVALID_DEVICE);
+        takeByte(INVALID_HANDLE_VALUE);
     }
 
 private:
@@ -91,54 +83,76 @@ private:
 
 constinit Reads reads; // without a destructor: the system may still write to them when the process ends
 
+class DriverDevice final : public DriveDevice {
+public:
+    explicit DriverDevice(HANDLE file) noexcept : file_(file) {}
+
+    ~DriverDevice() override
+    {
+        CloseHandle(file_);
+        reads.disown(file_);
+    }
+
+    // The driver only reads the input; DeviceIoControl's parameter is not const.
+    bool control(std::uint32_t code, std::span<const std::uint8_t> input) noexcept override
+    {
+        DWORD returned = 0;
+        return DeviceIoControl(file_, code, const_cast<std::uint8_t*>(input.data()), static_cast<DWORD>(input.size()),
+                               nullptr, 0, &returned, nullptr);
+    }
+
+    bool readByte(Event* completion, std::uint32_t timeoutMs) noexcept override
+    {
+        if (!completion)
+            return false;
+        Read* const read = new (std::nothrow) Read{file_};
+        if (!read)
+            return false;
+        read->overlapped.hEvent = completion->native();
+        if (!read->begin()) {
+            delete read;
+            return false;
+        }
+        reads.add(read);
+        return reads.takeByte(file_) || (completion->waitFor(timeoutMs) && reads.takeByte(file_));
+    }
+
+private:
+    const HANDLE file_;
+};
+
+class SystemDriveUnits final : public DriveUnits {
+public:
+    bool exists(unsigned unit) noexcept override
+    {
+        wchar_t name[NAME_CHARACTERS];
+        wchar_t target[TARGET_CHARACTERS];
+        std::swprintf(name, NAME_CHARACTERS, L"braskdrv-%u-1010", unit);
+        return QueryDosDeviceW(name, target, TARGET_CHARACTERS) != 0;
+    }
+
+    std::unique_ptr<DriveDevice> open(unsigned unit) noexcept override
+    {
+        wchar_t path[NAME_CHARACTERS];
+        std::swprintf(path, NAME_CHARACTERS, L"\\\\.\\braskdrv-%u-1010", unit);
+        const HANDLE file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                        FILE_FLAG_OVERLAPPED, nullptr);
+        if (file == INVALID_HANDLE_VALUE)
+            return nullptr;
+        if (auto* device = new (std::nothrow) DriverDevice(file))
+            return std::unique_ptr<DriveDevice>(device);
+        CloseHandle(file);
+        return nullptr;
+    }
+};
+
+constinit SystemDriveUnits instance;
+
 } // namespace
 
-bool deviceExists(unsigned unit) noexcept
+DriveUnits& systemDriveUnits() noexcept
 {
-    wchar_t name[NAME_CHARACTERS];
-    wchar_t target[TARGET_CHARACTERS];
-    std::swprintf(name, NAME_CHARACTERS, L"braskdrv-%u-1010", unit);
-    return QueryDosDeviceW(name, target, TARGET_CHARACTERS) != 0;
-}
-
-DeviceHandle openDevice(unsigned unit) noexcept
-{
-    wchar_t path[NAME_CHARACTERS];
-    std::swprintf(path, NAME_CHARACTERS, L"\\\\.\\braskdrv-%u-1010", unit);
-    const HANDLE file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_OVERLAPPED, nullptr);
-    return file == INVALID_HANDLE_VALUE ? INVALID_DEVICE : reinterpret_cast<DeviceHandle>(file);
-}
-
-// The driver only reads the input; DeviceIoControl's parameter is not const.
-bool controlDevice(DeviceHandle device, std::uint32_t code, std::span<const std::uint8_t> input) noexcept
-{
-    DWORD returned = 0;
-    return device != INVALID_DEVICE &&
-           DeviceIoControl(fileOf(device), code, const_cast<std::uint8_t*>(input.data()),
-                           static_cast<DWORD>(input.size()), nullptr, 0, &returned, nullptr);
-}
-
-bool readDeviceByte(DeviceHandle device, Event* completion, std::uint32_t timeoutMs) noexcept
-{
-    if (device == INVALID_DEVICE || !completion)
-        return false;
-    Read* const read = new (std::nothrow) Read{device};
-    if (!read)
-        return false;
-    read->overlapped.hEvent = completion->native();
-    if (!read->begin()) {
-        delete read;
-        return false;
-    }
-    reads.add(read);
-    return reads.takeByte(device) || (completion->waitFor(timeoutMs) && reads.takeByte(device));
-}
-
-void closeDevice(DeviceHandle device) noexcept
-{
-    CloseHandle(fileOf(device));
-    reads.disown(device);
+    return instance;
 }
 
 } // namespace tesmor::platform

@@ -1,5 +1,5 @@
 // Runs the load-time set-up when the DLL is attached to a process. Nothing is undone at detach.
-#include "api/library.h"
+#include "platform/module.h"
 
 BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID)
 {
@@ -10,6 +10,6 @@ BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID)
     HMODULE pinned = nullptr;
     GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_PIN,
                        reinterpret_cast<LPCSTR>(&DllMain), &pinned);
-    tesmor::setUpLibrary(module);
+    tesmor::platform::onLoad(module);
     return TRUE;
 }

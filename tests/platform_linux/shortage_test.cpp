@@ -1,0 +1,122 @@
+// What happens when memory runs out, each time in a process that has just started and keeps nothing in reserve.
+#include "fusion/fuse_images.h"
+#include "support/library_test.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <malloc.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace tesmor::test {
+
+namespace {
+
+void spareAddressSpace(std::uint64_t bytes)
+{
+    malloc_trim(0);
+    std::uint64_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    limit.rlim_cur = std::min(limit.rlim_max, pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE)) + bytes);
+    setrlimit(RLIMIT_AS, &limit);
+}
+
+void takeAllMemory()
+{
+    static void* volatile taken; // so that the compiler must ask for it
+    for (std::size_t size = 1 << 20; size > 0; size = size > 64 ? size / 2 : size - 8) {
+        do {
+            taken = std::malloc(size);
+        } while (taken);
+    }
+}
+
+class Shortage : public ScriptedLibraryTest {
+protected:
+    Shortage()
+    {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        GTEST_SKIP() << "a sanitizer needs the address space";
+#endif
+        GTEST_FLAG_SET(death_test_style, "threadsafe");
+        mallopt(M_ARENA_MAX, 1); // no thread keeps memory of its own in reserve
+    }
+
+    // What `action` returns, 0 to 255.
+    template <class Action>
+    static int endOf(Action action)
+    {
+        int end = -1;
+        const auto keepEnd = [&](int status) {
+            end = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+            return true;
+        };
+        EXPECT_EXIT(_exit(action()), keepEnd, "");
+        return end;
+    }
+};
+
+// FFTW ends the process when an allocation of its own fails. So the library looks first whether there is memory to
+// spare, and a real shortage is a result.
+TEST_F(Shortage, AtAnyPointOfAFusionIsAResultBeforeItHasBegun)
+{
+    constexpr std::uint32_t side = 256;
+    constexpr std::uint8_t untouched = 0xA5;
+    const std::vector<std::uint8_t> image(std::size_t{side} * side * 3, 90);
+    std::vector<std::uint8_t> output(image.size(), untouched);
+    const std::uint8_t* const images[] = {image.data(), image.data()};
+    const std::atomic<std::int32_t> runFlag{1};
+    int refused = 0;
+    int fused = 0;
+    for (const std::uint64_t spare :
+         {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34, 36, 38, 40, 80, 160}) {
+        const int end = endOf([&] {
+            bool begun = false;
+            spareAddressSpace(spare * 500'000);
+            const std::int32_t result =
+                fuseImages(images, 2, side, side, output.data(), runFlag, [&](std::int32_t) { begun = true; });
+            begun = begun || std::ranges::count(output, untouched) != std::ssize(output);
+            return result != TESMOR_SUCCESS && begun ? 1 : -result;
+        });
+        refused += end == -TESMOR_NO_MEMORY;
+        fused += end == TESMOR_SUCCESS;
+        EXPECT_TRUE(end == TESMOR_SUCCESS || end == -TESMOR_NO_MEMORY) << spare << " half MB: " << end;
+    }
+    EXPECT_GT(refused, 0);
+    EXPECT_GT(fused, 0);
+}
+
+TEST_F(Shortage, OfTheStartIsReportedAndItCanBeTriedAgain)
+{
+    const int end = endOf([] {
+        spareAddressSpace(1'000'000); // a thread's stack is 8 MB
+        const bool started = tesmor_init() != 0;
+        spareAddressSpace(100'000'000);
+        return started ? 1 : tesmor_init() == 1 && tesmor_fini() != 0 ? 0 : 2;
+    });
+    EXPECT_EQ(end, 0);
+}
+
+TEST_F(Shortage, LeavesAMoveWithoutADrive)
+{
+    system.reset({0});
+    const int end = endOf([] {
+        std::int32_t result = TESMOR_SUCCESS;
+        tesmor_init();
+        spareAddressSpace(0);
+        takeAllMemory();
+        tesmor_manual(
+            1.0, [](void* context, std::int32_t code) { *static_cast<std::int32_t*>(context) = code; }, &result);
+        tesmor_fini(); // waits for the move
+        return -result;
+    });
+    EXPECT_EQ(end, -TESMOR_NO_DRIVE);
+}
+
+} // namespace
+
+} // namespace tesmor::test
