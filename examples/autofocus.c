@@ -1,5 +1,5 @@
 /*
- * Brings the picture into focus.
+ * Runs an autofocus.
  *
  *   cc -std=c11 autofocus.c frames_from_stdin.c $(pkg-config --cflags --libs tesmor) -o autofocus
  *   tesmor microscope --magnification 40 | ./autofocus 40
@@ -12,7 +12,7 @@
 #include <stdlib.h>
 #include <threads.h>
 
-/* What the library's worker thread tells the thread that waits. A viewer posts an event to its window instead. */
+/* Carries the result from the library's worker to the waiting thread. A viewer posts an event to its window instead. */
 typedef struct Outcome {
     mtx_t lock;
     cnd_t changed;
@@ -34,16 +34,16 @@ static const char* textFor(int32_t result)
 {
     switch (result) {
     case TESMOR_SUCCESS:
-        return "The picture is in focus.";
+        return "The image is in focus.";
     case TESMOR_MOVE_FAILED:
-        return "The focus motor does not answer. Check the camera's cable, close other programs that use its motor, "
+        return "The focus motor does not respond. Check the camera's cable, close other programs that use the motor, "
                "and try again.";
     case TESMOR_ABORTED:
-        return "Autofocus was cancelled. The focus stays where it was stopped.";
+        return "Cancelled. The focus stays where it stopped.";
     case TESMOR_NO_DRIVE:
-        return "No focus motor was found. Connect a camera that has one, and see that its driver is running.";
+        return "No focus motor was found. Connect a camera that has one, and check that its driver is running.";
     case TESMOR_NO_FRAME:
-        return "The camera sends no pictures. Start its live view and try again.";
+        return "The camera is not sending images. Start its live view and try again.";
     default:
         return "Autofocus failed for an unknown reason. Try again.";
     }
@@ -63,7 +63,7 @@ int main(int argc, char** argv)
     mtx_init(&outcome.lock, mtx_plain);
     cnd_init(&outcome.changed);
     if (!tesmor_init()) {
-        fprintf(stderr, "The system has no thread to spare; close other programs.\n");
+        fprintf(stderr, "Could not start a thread; close other programs.\n");
         return 1;
     }
     if (startVideo(width, height)) {

@@ -1,5 +1,5 @@
 /*
- * Begins an autofocus and changes its mind, as a user does who presses Cancel.
+ * Starts an autofocus and cancels it, as when the user presses Cancel.
  *
  *   cc -std=c11 cancel.c frames_from_stdin.c $(pkg-config --cflags --libs tesmor) -o cancel
  *   tesmor microscope --magnification 40 | ./cancel 40
@@ -25,16 +25,16 @@ static const char* textFor(int32_t result)
 {
     switch (result) {
     case TESMOR_SUCCESS:
-        return "The picture was in focus before the cancel.";
+        return "The image was in focus before the cancel.";
     case TESMOR_MOVE_FAILED:
-        return "The focus motor does not answer. Check the camera's cable, close other programs that use its motor, "
+        return "The focus motor does not respond. Check the camera's cable, close other programs that use the motor, "
                "and try again.";
     case TESMOR_ABORTED:
-        return "Autofocus was cancelled. The focus stays where it was stopped.";
+        return "Cancelled. The focus stays where it stopped.";
     case TESMOR_NO_DRIVE:
-        return "No focus motor was found. Connect a camera that has one, and see that its driver is running.";
+        return "No focus motor was found. Connect a camera that has one, and check that its driver is running.";
     case TESMOR_NO_FRAME:
-        return "The camera sends no pictures. Start its live view and try again.";
+        return "The camera is not sending images. Start its live view and try again.";
     default:
         return "Autofocus failed for an unknown reason. Try again.";
     }
@@ -60,7 +60,7 @@ int main(int argc, char** argv)
         return 2;
     }
     if (!tesmor_init()) {
-        fprintf(stderr, "The system has no thread to spare; close other programs.\n");
+        fprintf(stderr, "Could not start a thread; close other programs.\n");
         return 1;
     }
     if (startVideo(width, height)) {
@@ -70,13 +70,13 @@ int main(int argc, char** argv)
             thrd_yield();
         waitForFrames(framesSoFar() + FRAMES_BEFORE_CANCEL);
 
-        /* Waits until the search has ended: 128 ms and the motor move in hand. A viewer calls it on a helper thread,
-           so that its window stays alive when the motor does not answer (7.7 seconds). */
+        /* Waits for the search to end: up to 128 ms plus the current motor move. A viewer calls it on a background
+           thread, so that its window stays responsive if the motor does not respond (7.7 seconds). */
         timespec_get(&before, TIME_UTC);
         tesmor_cancelif();
         timespec_get(&after, TIME_UTC);
-        printf("%s\n", textFor(outcome)); /* onDone has been called before tesmor_cancelif returned */
-        printf("The cancel took %ld ms.\n",
+        printf("%s\n", textFor(outcome)); /* onDone was called before tesmor_cancelif returned */
+        printf("Cancelling took %ld ms.\n",
                (long)(after.tv_sec - before.tv_sec) * 1000 + (after.tv_nsec - before.tv_nsec) / 1000000);
     }
     tesmor_fini();

@@ -1,8 +1,8 @@
 /*
- * Takes one picture and writes it to a file.
+ * Captures one image and writes it to a file.
  *
  *   cc -std=c11 capture.c frames_from_stdin.c ppm_file.c $(pkg-config --cflags --libs tesmor) -o capture
- *   tesmor microscope | ./capture picture.ppm
+ *   tesmor microscope | ./capture image.ppm
  */
 #include "frames_from_stdin.h"
 #include "ppm_file.h"
@@ -14,22 +14,22 @@
 #include <string.h>
 #include <threads.h>
 
-enum { PATIENCE_SECONDS = 5 }; /* the library gives a frame up to 4.2 */
+enum { PATIENCE_SECONDS = 5 }; /* the library waits up to 4.2 for a frame */
 
 typedef struct Picture {
     mtx_t lock;
     cnd_t changed;
-    int known; /* whether the frame has come; copy is null if there was no memory for it */
+    int known; /* whether the frame has arrived; copy is null if there was no memory for it */
     uint8_t* copy;
     int32_t width;
     int32_t height;
 } Picture;
 
-/* On the video thread. The frame is the camera's: it is copied here, and everything else is left to another thread. */
+/* On the video thread. The frame belongs to the camera: copy it here, and leave the rest to another thread. */
 static void onFrame(const uint8_t* image, int32_t width, int32_t height, void* context, int32_t result)
 {
     Picture* picture = context;
-    (void)result; /* TESMOR_SUCCESS: a capture that fails does not call */
+    (void)result; /* always TESMOR_SUCCESS: a capture that fails does not call back */
     mtx_lock(&picture->lock);
     picture->known = 1;
     picture->width = width;
@@ -41,7 +41,7 @@ static void onFrame(const uint8_t* image, int32_t width, int32_t height, void* c
     mtx_unlock(&picture->lock);
 }
 
-/* Silence is the only sign that a capture has failed, so the wait must have an end. */
+/* Silence is the only sign that a capture has failed, so the wait needs a limit. */
 static int waitForPicture(Picture* picture)
 {
     struct timespec deadline;
@@ -70,15 +70,15 @@ int main(int argc, char** argv)
     mtx_init(&picture.lock, mtx_plain);
     cnd_init(&picture.changed);
     if (!tesmor_init()) {
-        fprintf(stderr, "The system has no thread to spare; close other programs.\n");
+        fprintf(stderr, "Could not start a thread; close other programs.\n");
         return 1;
     }
     if (startVideo(width, height)) {
         tesmor_capture(onFrame, &picture);
         if (!waitForPicture(&picture))
-            fprintf(stderr, "The camera sends no pictures. Start its live view and try again.\n");
+            fprintf(stderr, "The camera is not sending images. Start its live view and try again.\n");
         else if (!picture.copy)
-            fprintf(stderr, "There is not enough memory for the picture; close other programs.\n");
+            fprintf(stderr, "There is not enough memory for the image; close other programs.\n");
         else if ((written = writePpm(argv[1], picture.copy, picture.width, picture.height)) != 0)
             printf("Wrote %s.\n", argv[1]);
     }

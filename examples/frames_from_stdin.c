@@ -38,13 +38,13 @@ int startVideo(int32_t width, int32_t height)
     frameWidth = width;
     frameHeight = height;
     if (thrd_create(&thread, runVideo, NULL) != thrd_success || thrd_detach(thread) != thrd_success) {
-        fprintf(stderr, "The system has no thread to spare; close other programs.\n");
+        fprintf(stderr, "Could not start a thread; close other programs.\n");
         return 0;
     }
     while (framesSoFar() == 0 && !inputEnded)
         thrd_sleep(&pause, NULL);
     if (framesSoFar() == 0)
-        fprintf(stderr, "No frame came in; start this program behind: tesmor microscope |\n");
+        fprintf(stderr, "No frame arrived; start this program as: tesmor microscope | PROGRAM\n");
     return framesSoFar() != 0;
 }
 

@@ -1,6 +1,6 @@
 /*
- * The examples' camera: raw frames from the standard input, in the layout that the library wants, as
- * `tesmor microscope` writes them. In a viewer its own video thread stands in this place.
+ * The examples' camera: raw frames from the standard input in the library's layout, as written by `tesmor microscope`.
+ * A viewer uses its own video thread instead.
  */
 #ifndef FRAMES_FROM_STDIN_H
 #define FRAMES_FROM_STDIN_H
@@ -8,16 +8,16 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* Bytes of a frame: 3 bytes a pixel, each row padded to a multiple of 4 bytes. */
+/* Size of a frame in bytes: 3 bytes per pixel, each row padded to a multiple of 4 bytes. */
 size_t frameBytes(int32_t width, int32_t height);
 
 /*
- * Starts the video thread, which hands every frame to tesmor_video until the input ends or the program does.
- * Returns when the first frame has come: 1. When none comes it says so on the standard error and returns 0.
+ * Starts the video thread, which passes every frame to tesmor_video until the input or the program ends. Returns 1 once
+ * the first frame has arrived, or 0 if none does; it then says so on the standard error.
  */
 int startVideo(int32_t width, int32_t height);
 
-/* The number of frames so far. Any thread. */
+/* The number of frames received so far. Any thread. */
 unsigned long framesSoFar(void);
 
 #endif

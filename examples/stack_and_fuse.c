@@ -1,5 +1,5 @@
 /*
- * Takes ten pictures at a series of focus positions and merges them into one that is sharp throughout.
+ * Captures images at ten focus positions and merges them into one that is sharp throughout.
  *
  *   cc -std=c11 stack_and_fuse.c frames_from_stdin.c ppm_file.c $(pkg-config --cflags --libs tesmor) -o stack_and_fuse
  *   tesmor microscope --magnification 20 --offset -500 | ./stack_and_fuse 20 sharp.ppm
@@ -19,8 +19,8 @@ enum { SLICES = 10, SPACING = 1, WIDTH = 640, HEIGHT = 480 };
 
 typedef struct Job {
     uint8_t* slices[SLICES];
-    unsigned sliceCount; /* slices that have come */
-    int32_t result;      /* of the command, once it has ended: */
+    unsigned sliceCount; /* received so far */
+    int32_t result;      /* of the command, valid once it has ended */
     atomic_int ended;
 } Job;
 
@@ -30,7 +30,7 @@ static void endCommand(Job* job, int32_t result)
     job->ended = 1; /* a viewer posts an event to its window instead */
 }
 
-/* A slice, on the video thread; or, without an image, how the stack has ended, on the worker thread. */
+/* A slice, on the video thread; or, without an image, the result of the stack, on the worker thread. */
 static void onStack(const uint8_t* image, int32_t width, int32_t height, void* context, int32_t result)
 {
     Job* job = context;
@@ -40,7 +40,7 @@ static void onStack(const uint8_t* image, int32_t width, int32_t height, void* c
         endCommand(job, result);
 }
 
-/* Progress; or, with an image, how the fusion has ended. On the worker thread. */
+/* Progress; or, with an image, the result of the fusion. On the worker thread. */
 static void onFusion(const uint8_t* image, int32_t width, int32_t height, void* context, int32_t result)
 {
     (void)width, (void)height;
@@ -52,13 +52,16 @@ static void onFusion(const uint8_t* image, int32_t width, int32_t height, void* 
 
 /* What to tell the user; the result codes run from -5 to 1. */
 static const char* const TEXTS[] = {
-    /* TESMOR_NO_FRAME */ "The camera sends no pictures. Start its live view and try again.",
-    /* TESMOR_NO_DRIVE */ "No focus motor was found. Connect a camera that has one; is its driver running?",
-    /* TESMOR_ABORTED */ "The run was cancelled. The focus stays where it was stopped.",
-    /* TESMOR_NO_MEMORY */ "There is not enough memory for so large a picture. Close other programs.",
-    /* TESMOR_MOVE_FAILED */ "The focus motor does not answer. Check the camera's cable and close other programs.",
-    /* TESMOR_SUCCESS */ "The pictures are merged.",
-    /* TESMOR_STACK_DONE */ "The pictures are taken, and the focus is back where it was.",
+    /* TESMOR_NO_FRAME */ "The camera is not sending images. Start its live view and try again.",
+    /* TESMOR_NO_DRIVE */
+    "No focus motor was found. Connect a camera that has one, and check that its driver is running.",
+    /* TESMOR_ABORTED */ "Cancelled. The focus stays where it stopped.",
+    /* TESMOR_NO_MEMORY */ "There is not enough memory to merge images of this size. Close other programs.",
+    /* TESMOR_MOVE_FAILED */
+    "The focus motor does not respond. Check the camera's cable, close other programs that use the motor, and try "
+    "again.",
+    /* TESMOR_SUCCESS */ "The images are merged.",
+    /* TESMOR_STACK_DONE */ "The stack is complete, and the focus is back where it started.",
 };
 
 static int32_t waitForEnd(Job* job)
@@ -73,14 +76,18 @@ static int32_t waitForEnd(Job* job)
 int main(int argc, char** argv)
 {
     const size_t size = frameBytes(WIDTH, HEIGHT);
-    uint8_t* const pixels = malloc((SLICES + 1) * size); /* the slices, then the merged picture */
+    uint8_t* const pixels = malloc((SLICES + 1) * size); /* the slices, then the fused image */
     uint8_t* const merged = pixels + SLICES * size;
     Job job = {.sliceCount = 0};
     int written = 0;
 
-    if (argc < 3 || !pixels || !tesmor_init()) {
-        fprintf(stderr, "Usage: tesmor microscope | %s MAGNIFICATION FILE.ppm, with some memory free\n", argv[0]);
+    if (argc < 3) {
+        fprintf(stderr, "Usage: tesmor microscope | %s MAGNIFICATION FILE.ppm\n", argv[0]);
         return 2;
+    }
+    if (!pixels || !tesmor_init()) {
+        fprintf(stderr, "There is not enough memory; close other programs.\n");
+        return 1;
     }
     for (size_t i = 0; i < SLICES; ++i)
         job.slices[i] = pixels + i * size;

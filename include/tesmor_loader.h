@@ -1,7 +1,7 @@
 /**
  * @file
- * Loads the library while the host runs, for a host that goes on without it when it is missing: no link option, no
- * import library, only this header and tesmor.h. Plain C.
+ * Loads the library at run time, for a host that must also run without it: no link option, no import library, just this
+ * header and tesmor.h. Plain C.
  *
  * @code
  *   TesmorFunctions tesmor;
@@ -11,7 +11,7 @@
  *       hideTheAutofocusButton();
  * @endcode
  *
- * On Linux link with ${CMAKE_DL_LIBS} (-ldl), which newer systems no longer need.
+ * On older Linux systems, link with ${CMAKE_DL_LIBS} (-ldl).
  */
 #ifndef TESMOR_LOADER_H
 #define TESMOR_LOADER_H
@@ -27,7 +27,7 @@
 #include <dlfcn.h>
 #endif
 
-/** The library's file name, which goes with the version of the header: tesmor.dll, libtesmor.so.1, ... */
+/** The file name of the library that matches this header: tesmor.dll, libtesmor.so.1, ... */
 #ifdef _WIN32
 #define TESMOR_LIBRARY_FILE "tesmor.dll"
 #else
@@ -38,7 +38,7 @@
 /** @endcond */
 #endif
 
-/** The functions of tesmor.h, each under its name without the prefix. */
+/** The functions of tesmor.h, under their names without the prefix. */
 typedef struct TesmorFunctions {
     /** @cond */
     int32_t (*init)(void);
@@ -59,11 +59,11 @@ typedef struct TesmorFunctions {
 } TesmorFunctions;
 
 /**
- * Loads the library and finds its functions. The library stays in the process until it ends; it must never be unloaded.
- * Any thread, but one at a time.
- * @param functions filled in on success, else cleared: every member is null
- * @param file the library's file with its folder; null: TESMOR_LIBRARY_FILE where the system looks for libraries
- * @return 1; 0 when the library is missing or lacks a function, and dlerror() or GetLastError() tells why
+ * Loads the library and looks up its functions. The library then stays loaded until the process ends; it must never be
+ * unloaded. Any thread, but only one at a time.
+ * @param functions filled in on success; otherwise every member is null
+ * @param file the path of the library; null: TESMOR_LIBRARY_FILE, where the system looks for libraries
+ * @return 1, or 0 if the library is missing or lacks a function; dlerror() or GetLastError() then tells why
  */
 static inline int tesmor_load(TesmorFunctions* functions, const char* file)
 {
