@@ -1,5 +1,7 @@
-// The units in which the library counts focus: motor steps, degrees, and the spacing units of a stack.
+// The library's units of focus: motor steps, degrees, and the spacing units of a stack.
 #pragma once
+
+#include <QString>
 
 #include <algorithm>
 #include <array>
@@ -9,7 +11,7 @@ namespace tesmor::apps {
 
 constexpr int STEPS_PER_TURN = 12800; // motor steps
 constexpr double DEGREES_PER_STEP = 360.0 / STEPS_PER_TURN;
-constexpr int LARGEST_MOVE = 65535; // motor steps; more wraps round
+constexpr int LARGEST_MOVE = 65535; // motor steps; more wraps around
 
 struct FocusObjective {
     std::uint16_t magnification;
@@ -25,5 +27,11 @@ constexpr int stepsPerUnit(std::uint16_t magnification)
 {
     return std::ranges::find(FOCUS_OBJECTIVES, magnification, &FocusObjective::magnification)->stepsPerUnit;
 }
+
+// "4, 10, 20, 40, 60, 80 or 100"
+QString magnificationList();
+
+// From the command line's --magnification. Throws UsageError unless it is in the table.
+std::uint16_t parseMagnification(const QString& text);
 
 } // namespace tesmor::apps

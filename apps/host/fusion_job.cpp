@@ -10,7 +10,7 @@ namespace tesmor::apps {
 
 namespace {
 
-// What the library's worker tells, for the thread that waits.
+// From the library's worker to the waiting thread.
 struct FusionReports {
     PendingResult result;
     std::atomic<int> percent = 0;

@@ -1,4 +1,4 @@
-// Merges images through the library, as any host does it, and ends that on interruption.
+// Merges images through the library, as any host would, and stops on interruption.
 #pragma once
 
 #include <QImage>
@@ -13,11 +13,11 @@ constexpr int MOST_FUSED_IMAGES = 128;
 constexpr int LEAST_FUSED_SIDE = 2; // pixels
 
 // Within a LibrarySession.
-//   images     at most MOST_FUSED_IMAGES, all of output's size and of format BGR888, no side under LEAST_FUSED_SIDE
+//   images     at most MOST_FUSED_IMAGES, all of output's size and format, no side below LEAST_FUSED_SIDE
 //   output     of format BGR888; untouched unless the result is TESMOR_SUCCESS
 //   progress   called about twenty times a second with the percentage done, on this thread
-// Returns TESMOR_SUCCESS, TESMOR_NO_MEMORY or, after an interruption, TESMOR_ABORTED. When the library does not end within
-// a second of an interruption, it is not waited for: the program ends here with status 130.
+// Returns TESMOR_SUCCESS, TESMOR_NO_MEMORY or, after an interruption, TESMOR_ABORTED. If the library does not end within
+// a second of an interruption, the program ends here with status 130.
 std::int32_t mergeImages(const std::vector<QImage>& images, QImage& output, const std::function<void(int)>& progress);
 
 } // namespace tesmor::apps

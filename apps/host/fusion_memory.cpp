@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 64;
 constexpr std::uint64_t IMAGE_BYTES_PER_PIXEL = 3;
 
-// Bytes; none where the system does not tell.
+// Bytes; nothing where the system does not say.
 std::optional<std::uint64_t> availableMemory()
 {
     QFile file("/proc/meminfo");
@@ -23,7 +23,7 @@ std::optional<std::uint64_t> availableMemory()
     const QList<QByteArray> lines = file.readAll().split('\n');
     for (const QByteArray& line : lines) {
         if (line.startsWith("MemAvailable:"))
-            return line.simplified().split(' ').value(1).toULongLong() * 1024; // the system counts in kB
+            return line.simplified().split(' ').value(1).toULongLong() * 1024; // given in kB
     }
     return std::nullopt;
 }
@@ -46,7 +46,7 @@ void requireFusionMemory(std::uint64_t needed)
 UserError fusionMemoryError(std::uint64_t needed)
 {
     return UserError(
-        QString("not enough memory, about %1 are needed; close other programs, or merge fewer or smaller images")
+        QString("not enough memory: about %1 needed; close other programs, or merge fewer or smaller images")
             .arg(memoryText(needed)));
 }
 

@@ -1,4 +1,4 @@
-// The memory that a fusion takes, and whether it is there.
+// The memory that a fusion needs, and whether it is available.
 #pragma once
 
 #include "terminal/errors.h"
@@ -10,13 +10,13 @@
 
 namespace tesmor::apps {
 
-// Bytes that a run needs in all: the fusion's own memory, the images and the output.
+// Bytes in total: the fusion's own memory, the images and the output.
 std::uint64_t fusionMemory(QSize size, std::size_t imageCount);
 
-// Throws when programs cannot take so much without swapping.
+// Throws UserError if that much is not available without swapping.
 void requireFusionMemory(std::uint64_t needed);
 
-// To be thrown when it turns out later.
+// To be thrown if memory runs short later.
 UserError fusionMemoryError(std::uint64_t needed);
 
 } // namespace tesmor::apps

@@ -8,7 +8,7 @@ namespace tesmor::apps {
 LibrarySession::LibrarySession()
 {
     if (tesmor_init() == 0)
-        throw UserError("the system has no thread to spare; close other programs");
+        throw UserError("could not start a thread; close other programs");
 }
 
 LibrarySession::~LibrarySession()

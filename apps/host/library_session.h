@@ -2,7 +2,7 @@
 
 namespace tesmor::apps {
 
-// The library's worker runs as long as this lives. One at a time. Throws UserError when there is no thread to be had.
+// The library's worker runs for the lifetime of this object. One at a time. Throws UserError if it cannot be started.
 class LibrarySession {
 public:
     LibrarySession();

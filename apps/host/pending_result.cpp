@@ -13,10 +13,10 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-constexpr auto TICK = 50ms; // between two looks at the interruption
+constexpr auto TICK = 50ms; // between two checks for an interruption
 constexpr auto PATIENCE = 500ms;
 
-// Aborts the command in hand from a thread of its own, since tesmor_cancelif waits until the worker has ended it.
+// Aborts the running command on a separate thread, since tesmor_cancelif waits for it to end.
 class Cancellation {
 public:
     ~Cancellation()

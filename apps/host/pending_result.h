@@ -1,4 +1,4 @@
-// The result of a command that the library was given: waits for it, and ends the command on interruption.
+// The result of a command posted to the library: waits for it, and aborts the command on interruption.
 #pragma once
 
 #include <condition_variable>
@@ -16,8 +16,8 @@ public:
 
     // Within an InterruptGuard, and on the thread that posted.
     //   eachTick   called about twenty times a second meanwhile
-    // Returns the result, or, after an interruption, TESMOR_ABORTED. When the library does not end within a second of an
-    // interruption, it is not waited for: the program ends here with status 130.
+    // Returns the result, or, after an interruption, TESMOR_ABORTED. If the library does not end within a second of an
+    // interruption, the program ends here with status 130.
     std::int32_t wait(const std::function<void()>& eachTick);
 
 private:

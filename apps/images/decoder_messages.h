@@ -1,11 +1,11 @@
-// Keeps what the image decoders print of a damaged file away from our own one-line errors, and remembers it.
+// Keeps what image decoders print about a damaged file out of our own one-line errors, and records it.
 #pragma once
 
 #include <QString>
 
 namespace tesmor::apps {
 
-// As long as it lives the standard error of the whole process goes nowhere, and Qt's messages come here. One at a time.
+// During its lifetime, the standard error of the whole process is discarded and Qt's messages are recorded. One at a time.
 class DecoderMessages {
 public:
     DecoderMessages();
@@ -13,11 +13,11 @@ public:
     DecoderMessages(const DecoderMessages&) = delete;
     DecoderMessages& operator=(const DecoderMessages&) = delete;
 
-    // The JPEG decoder fills up a file that was cut short, and only says so.
+    // The JPEG decoder pads a truncated file and merely prints a message.
     bool tellOfCutFile() const;
 
 private:
-    int standardError_; // a duplicate of it; -1 when it could not be replaced
+    int standardError_; // a duplicate of it; -1 if it could not be replaced
     QtMessageHandler handler_;
 };
 

@@ -16,11 +16,11 @@ void requireReadableFile(const QString& file)
 {
     const QFileInfo info(file);
     if (!info.exists())
-        throw UserError(file + ": does not exist; check the name");
+        throw UserError(file + ": no such file; check the name");
     if (info.isDir())
-        throw UserError(file + ": is a folder; name the images in it, as in " + file + "/*.png");
+        throw UserError(file + ": is a folder; name the images in it, such as " + file + "/*.png");
     if (!info.isFile())
-        throw UserError(file + ": is no regular file; copy the image to one");
+        throw UserError(file + ": not a regular file; copy the image to one");
     if (!QFile(file).open(QIODevice::ReadOnly))
         throw UserError(file + ": cannot be read; check its permissions");
 }
@@ -29,23 +29,23 @@ void requireReadableFile(const QString& file)
 void open(QImageReader& reader, const QString& file)
 {
     requireReadableFile(file);
-    QImageReader::setAllocationLimit(0); // the caller compares with the memory that there is
+    QImageReader::setAllocationLimit(0); // the caller checks against the available memory
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     reader.setFileName(file);
     if (!QList<QByteArray>{"png", "jpg", "jpeg", "tif", "tiff", "bmp"}.contains(reader.format()))
-        throw UserError(file + ": is no PNG, JPEG, TIFF or BMP image; convert it, or leave it out");
+        throw UserError(file + ": not a PNG, JPEG, TIFF or BMP image; convert it, or leave it out");
     if (reader.imageCount() > 1)
-        throw UserError(QString("%1: holds %2 images; save each as a file of its own")
+        throw UserError(QString("%1: contains %2 images; save each to its own file")
                             .arg(file, QString::number(reader.imageCount())));
 }
 
 UserError damaged(const QString& file, const QString& detail)
 {
-    return UserError(QString("%1: is damaged (%2); copy or save it anew").arg(file, detail));
+    return UserError(QString("%1: damaged (%2); copy or save it again").arg(file, detail));
 }
 
-// Qt takes the missing end of a BMP file for black pixels.
+// Qt reads the missing end of a truncated BMP file as black pixels.
 bool isCutBmp(const QString& name)
 {
     constexpr qint64 SIZE_OFFSET = 2; // of the file size in the header: 4 bytes after the letters BM
@@ -65,7 +65,7 @@ QSize readImageSize(const QString& file)
     open(reader, file);
     const QSize size = reader.size();
     if (size.isEmpty())
-        throw damaged(file, "its size cannot be read");
+        throw damaged(file, "cannot read its size");
     return reader.transformation() & QImageIOHandler::TransformationRotate90 ? size.transposed() : size;
 }
 
@@ -78,9 +78,9 @@ QImage readFrame(const QString& file, QSize size)
     if (image.isNull())
         throw damaged(file, reader.errorString());
     if (messages.tellOfCutFile() || isCutBmp(file))
-        throw damaged(file, "its end is missing");
+        throw damaged(file, "the end is missing");
     if (image.size() != size)
-        throw UserError(QString("%1: has changed from %2 to %3 pixels meanwhile; start again")
+        throw UserError(QString("%1: changed from %2 to %3 pixels in the meantime; try again")
                             .arg(file, sizeText(size), sizeText(image.size())));
     image.convertTo(QImage::Format_BGR888);
     if (image.isNull())

@@ -1,5 +1,5 @@
-// Reads images: PNG, JPEG, TIFF and BMP, by their content. All functions throw UserError, which names the file and the
-// remedy.
+// Reads PNG, JPEG, TIFF and BMP images, recognised by their content. All functions throw UserError, which names the file
+// and the remedy.
 #pragma once
 
 #include <QImage>
@@ -8,11 +8,11 @@
 
 namespace tesmor::apps {
 
-// From the header alone. The size as it is to be seen: an orientation given in the file is applied.
+// From the header alone; with the orientation stored in the file applied.
 QSize readImageSize(const QString& file);
 
 // The image in the library's frame layout (QImage::Format_BGR888): constBits() is a frame. Transparency is dropped, 16-bit
-// channels become 8-bit. It must have the given size, which readImageSize told before.
+// channels become 8-bit. It must have the given size, as returned by readImageSize.
 QImage readFrame(const QString& file, QSize size);
 
 } // namespace tesmor::apps

@@ -1,15 +1,15 @@
-// How good an image is, in figures. All images are of format QImage::Format_BGR888.
+// Figures for the quality of an image. All images are of format QImage::Format_BGR888.
 #pragma once
 
 #include <QImage>
 
 namespace tesmor::apps {
 
-// How sharp its edges are: root mean square of the brightness gradient, grey levels a pixel. Images of the same field
-// compare. At least 3 x 3 pixels.
+// How sharp the edges are: root mean square of the brightness gradient, grey levels per pixel. Comparable between images
+// of the same field. At least 3 x 3 pixels.
 double edgeSharpness(const QImage& image);
 
-// The next two compare with a reference of the same size.
+// The next two compare an image with a reference of the same size.
 
 // Peak signal-to-noise ratio over all three channels, decibels; infinite when the images are equal.
 double psnr(const QImage& image, const QImage& reference);

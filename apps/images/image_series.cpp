@@ -14,12 +14,12 @@ QSize readCommonSize(const QStringList& files, int leastSide)
     const QString& first = files.first();
     const QSize size = readImageSize(first);
     if (std::min(size.width(), size.height()) < leastSide)
-        throw UserError(QString("%1: has only %2 pixels; %3 x %3 are the least")
+        throw UserError(QString("%1: only %2 pixels; the minimum is %3 x %3")
                             .arg(first, sizeText(size), QString::number(leastSide)));
     for (const QString& file : files) {
         const QSize other = readImageSize(file);
         if (other != size)
-            throw UserError(QString("%1: has %2 pixels, but %3 has %4; images of one size can be merged")
+            throw UserError(QString("%1: %2 pixels, but %3 has %4; all images must have the same size")
                                 .arg(file, sizeText(other), first, sizeText(size)));
     }
     return size;

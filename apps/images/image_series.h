@@ -12,11 +12,11 @@
 namespace tesmor::apps {
 
 // The size that all images share, from their headers alone.
-//   leastSide   pixels that either side must have
+//   leastSide   minimum width and height, pixels
 QSize readCommonSize(const QStringList& files, int leastSide);
 
-// In the library's frame layout (QImage::Format_BGR888), with a progress bar. They must have the given size, which
-// readCommonSize told before.
+// In the library's frame layout (QImage::Format_BGR888), with a progress bar. They must have the given size, as returned
+// by readCommonSize.
 std::vector<QImage> readFrames(const QStringList& files, QSize size, LiveLine::Style style);
 
 } // namespace tesmor::apps

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int JPEG_QUALITY = 95;
 constexpr int JPEG_LONGEST_SIDE = 65500; // pixels
-constexpr qint64 CHUNK = 1 << 20;        // bytes written between two looks at the interruption
+constexpr qint64 CHUNK = 1 << 20;        // bytes written between two checks for an interruption
 
 QByteArray formatOf(const QString& file)
 {
@@ -27,7 +27,7 @@ QByteArray formatOf(const QString& file)
         return "tiff";
     if (suffix == "png" || suffix == "bmp")
         return suffix;
-    throw UserError(file + ": the name tells no format; let it end in .png, .jpg, .tif or .bmp");
+    throw UserError(file + ": unknown image format; choose a name that ends in .png, .jpg, .tif or .bmp");
 }
 
 QByteArray encode(const QString& file, const QImage& image)
@@ -38,7 +38,7 @@ QByteArray encode(const QString& file, const QImage& image)
     if (writer.format() == "jpeg")
         writer.setQuality(JPEG_QUALITY);
     if (!writer.write(image))
-        throw UserError(QString("%1: cannot be made (%2); choose another format").arg(file, writer.errorString()));
+        throw UserError(QString("%1: cannot be encoded (%2); choose another format").arg(file, writer.errorString()));
     return bytes;
 }
 
@@ -54,10 +54,10 @@ void checkOutputFile(const QString& file, QSize size)
 {
     if (formatOf(file) == "jpeg" && std::max(size.width(), size.height()) > JPEG_LONGEST_SIDE)
         throw UserError(
-            QString("%1: JPEG ends at %2 pixels a side; choose .png or .tif").arg(file).arg(JPEG_LONGEST_SIDE));
+            QString("%1: JPEG allows only %2 pixels per side; choose .png or .tif").arg(file).arg(JPEG_LONGEST_SIDE));
     const QFileInfo info(file);
     if (!QFileInfo(info.path()).isDir())
-        throw UserError(QString("%1: there is no folder %2; make it first").arg(file, info.path()));
+        throw UserError(QString("%1: no such folder: %2; create it first").arg(file, info.path()));
     if (info.isDir())
         throw UserError(file + ": is a folder; name a file in it with -o");
     InterruptGuard guard;
@@ -82,7 +82,7 @@ void writeOutputFile(const QString& file, const QImage& image)
         done += count;
         throwIfInterrupted();
     }
-    if (!output.flush() || !output.commit()) // commit() alone overlooks what fails in its own flush
+    if (!output.flush() || !output.commit()) // commit() alone misses a failure of its own flush
         throw writeError(file, output);
 }
 

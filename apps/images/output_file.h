@@ -8,11 +8,11 @@
 
 namespace tesmor::apps {
 
-// Finds out before the work whether the result can be written: format, folder, permissions. Leaves nothing behind.
+// Checks in advance that the result can be written: format, folder, permissions. Leaves nothing behind.
 void checkOutputFile(const QString& file, QSize size);
 
-// In the format of the file's name. The file appears, or replaces an older one, only when it is complete; after a failure
-// or an interruption nothing has changed.
+// In the format given by the file's name. The file appears, or replaces an existing one, only once it is complete; after a
+// failure or an interruption nothing has changed.
 void writeOutputFile(const QString& file, const QImage& image);
 
 } // namespace tesmor::apps

@@ -1,4 +1,4 @@
-// What the subcommands' command lines and answers share.
+// What the command lines and results of all subcommands have in common.
 #pragma once
 
 #include <QCommandLineParser>
@@ -10,18 +10,18 @@
 
 namespace tesmor::apps {
 
-// Adds --help and parses. False when the help was asked for, and printed. Throws UsageError.
+// Adds --help and parses. Returns false if the user asked for help; it is then printed. Throws UsageError.
 bool parseCommandLine(QCommandLineParser& parser, const QStringList& arguments);
 
-// For a subcommand that takes options alone. Throws UsageError for anything else.
+// For a subcommand that takes only options. Throws UsageError for any other argument.
 void refuseArguments(const QCommandLineParser& parser);
 
-// The number that stands for `what` on the command line. Both throw UsageError, which names `what`, when it is none or
-// outside its range.
+// The number given for `what` on the command line. Both throw UsageError, which names `what`, if it is not a number or out
+// of range.
 std::int64_t integerOf(const QString& what, const QString& text, std::int64_t least, std::int64_t most);
 double numberOf(const QString& what, const QString& text, double least, double most);
 
-// One line on the standard output, for a script.
+// One line on standard output, for scripts.
 void printJson(const QJsonObject& object);
 
 } // namespace tesmor::apps

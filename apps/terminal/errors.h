@@ -1,4 +1,4 @@
-// How a program of ours fails: its exit status, and the one line that says why.
+// How our programs fail: the exit status, and the one line that says why.
 #pragma once
 
 #include <QString>
@@ -12,7 +12,7 @@ constexpr int STATUS_FAILED = 1;
 constexpr int STATUS_USAGE = 2;
 constexpr int STATUS_INTERRUPTED = 130;
 
-// Something outside the program is wrong. The message is one line: what it is about, what is wrong, what to do.
+// Something outside the program is wrong. The message is one line: the culprit, the problem, the remedy.
 class UserError : public std::runtime_error {
 public:
     explicit UserError(const QString& message) : std::runtime_error(message.toStdString()) {}

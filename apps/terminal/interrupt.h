@@ -1,14 +1,13 @@
-// Ctrl-C and the request to terminate (SIGINT, SIGTERM): how they end the program within a second, leaving no partial
-// file.
+// Ctrl-C and the request to terminate (SIGINT, SIGTERM): they end the program within a second and leave no partial file.
 //
 // Outside an InterruptGuard they end the program at once, with status 130. Inside one they only raise a flag, which the
-// guarded work looks at.
+// guarded code checks.
 #pragma once
 
 namespace tesmor::apps {
 
-// The work was ended by an interruption; main() turns it into status 130. Not derived from std::exception, so that nobody
-// takes it for a failure.
+// The program was interrupted; runCommand() turns this into status 130. Not derived from std::exception, so that no
+// handler mistakes it for a failure.
 struct Interrupted {};
 
 // Call once, before any file is written. Signals that were ignored before stay ignored (nohup).
@@ -16,14 +15,14 @@ void installInterruptHandler();
 
 bool interrupted() noexcept;
 
-// Throws Interrupted if the flag is up.
+// Throws Interrupted if the flag is raised.
 void throwIfInterrupted();
 
-// Ends the program with status 130 in the middle of everything: no destructors, no other thread is waited for. Only
-// where no temporary file exists.
+// Ends the program on the spot with status 130: runs no destructors and waits for no thread. Only where no temporary
+// file exists.
 [[noreturn]] void leaveInterrupted() noexcept;
 
-// One at a time. The flag, once up, stays up: call throwIfInterrupted before the next piece of work.
+// One at a time. The flag stays raised: call throwIfInterrupted before the next task.
 class InterruptGuard {
 public:
     InterruptGuard() noexcept;

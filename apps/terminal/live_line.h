@@ -1,5 +1,4 @@
-// A line on the standard output that follows the work: redrawn in place on a terminal, else a line of its own now and
-// then.
+// A status line on standard output: on a terminal redrawn in place, otherwise a new line now and then.
 #pragma once
 
 #include <QString>
@@ -12,18 +11,18 @@ class LiveLine {
 public:
     enum class Style { IN_PLACE, LINES, SILENT };
 
-    // The style that suits the standard output.
+    // The style that suits standard output.
     static Style styleOfOutput(bool quiet);
 
-    //   pause   between two lines of style LINES; the first comes after such a pause, too
+    //   pause   between lines of style LINES, and before the first one
     LiveLine(Style style, std::chrono::milliseconds pause);
 
-    // Takes the line off the terminal.
+    // Erases the line from the terminal.
     ~LiveLine();
     LiveLine(const LiveLine&) = delete;
     LiveLine& operator=(const LiveLine&) = delete;
 
-    // Call it as often as you like: it shows the text when it is time to.
+    // Call it as often as you like; it prints only when it is time to.
     void show(const QString& text);
 
     Style style() const

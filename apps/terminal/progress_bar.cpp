@@ -50,11 +50,11 @@ void ProgressBar::noteSteps(int percent, Clock::time_point now)
     lastStepTime_ = now;
 }
 
-// From the pace since the first step, and counting down between two steps.
+// From the pace since the first step; counts down between steps.
 QString ProgressBar::remainingText(Clock::time_point now) const
 {
     if (percent_ == 0)
-        return ", getting ready";
+        return ", preparing";
     if (percent_ == firstStep_)
         return {};
     const std::chrono::duration<double> stepsTook = lastStepTime_ - firstStepTime_;

@@ -1,5 +1,5 @@
-// How far a long piece of work is, on the standard output: a bar that is redrawn in place on a terminal, else a line
-// now and then.
+// The progress of a long task on standard output: on a terminal a bar that is redrawn in place, otherwise a line now and
+// then.
 #pragma once
 
 #include "terminal/live_line.h"
@@ -13,11 +13,11 @@ namespace tesmor::apps {
 class ProgressBar {
 public:
     // The work begins now.
-    //   label   what is going on, one word
+    //   label   one word for the task
     ProgressBar(const QString& label, LiveLine::Style style);
 
-    // Call it as often as you like, also without news: time passes on the bar.
-    //   percent   0 to 100, never falling
+    // Call it as often as you like, even without news: the bar shows the time, too.
+    //   percent   0 to 100, never decreasing
     void show(int percent);
 
     std::chrono::duration<double> elapsed() const;
@@ -32,7 +32,7 @@ private:
     QString label_;
     Clock::time_point start_;
     int percent_ = 0;
-    int firstStep_ = 0; // percent at the first report above 0: what came before it was preparation
+    int firstStep_ = 0; // percent at the first report above 0; everything before it was preparation
     Clock::time_point firstStepTime_;
     Clock::time_point lastStepTime_;
 };

@@ -1,4 +1,4 @@
-// Numbers as the user reads them.
+// Text for users.
 #pragma once
 
 #include <QSize>
@@ -15,13 +15,13 @@ QString sizeText(QSize size);
 // "133 MB", "1.5 GB"; powers of 1000
 QString memoryText(std::uint64_t bytes);
 
-// "7 s", "2 min 45 s", "1 h 2 min"; cut, not rounded
+// "7 s", "2 min 45 s", "1 h 2 min"; truncated, not rounded
 QString durationText(std::chrono::duration<double> duration);
 
-// "[######....]": filled by a share of 0 to 1; `length` characters within the brackets
+// "[######....]": the filled share, 0 to 1, of `length` characters
 QString barText(double share, int length);
 
-// On the standard output, at once.
+// On standard output, flushed.
 void printLine(const QString& text);
 
 } // namespace tesmor::apps

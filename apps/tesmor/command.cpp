@@ -22,10 +22,10 @@ struct Subcommand {
 };
 
 constexpr Subcommand SUBCOMMANDS[] = {
-    {"demo", "show a whole session on a simulated microscope; needs no camera", runDemo},
-    {"devices", "list the focus drives that are there", runDevices},
+    {"demo", "run a complete session on a simulated microscope", runDemo},
+    {"devices", "list the focus drives", runDevices},
     {"fuse", "merge a focus stack into one image that is sharp throughout", runFuse},
-    {"microscope", "run a simulated microscope, with a drive and live frames", runMicroscope},
+    {"microscope", "simulate a microscope, with a focus drive and live frames", runMicroscope},
     {"move", "turn the focus by hand", runMove},
 };
 
@@ -39,7 +39,7 @@ void printHelp()
                 USAGE);
     for (const Subcommand& subcommand : SUBCOMMANDS)
         std::printf("  %-11s %s\n", subcommand.name, subcommand.summary);
-    std::printf("\nExample: merge five photographs taken at different focus\n"
+    std::printf("\nExample: merge five images taken at different focus positions\n"
                 "  tesmor fuse -o sharp.png slice-1.png slice-2.png slice-3.png slice-4.png slice-5.png\n");
 }
 
@@ -65,7 +65,7 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv)
     } catch (const UserError& error) {
         std::fprintf(stderr, "%s: %s\n", title.c_str(), error.what());
     } catch (const Interrupted&) {
-        std::fprintf(stderr, "%s: stopped\n", title.c_str());
+        std::fprintf(stderr, "%s: interrupted\n", title.c_str());
         return STATUS_INTERRUPTED;
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "%s: not enough memory; close other programs\n", title.c_str());
@@ -73,7 +73,7 @@ int runSubcommand(const Subcommand& subcommand, int argc, char** argv)
     return STATUS_FAILED;
 }
 
-// What Qt has to say of a file or of the locale would stand between our own lines.
+// Keeps Qt's remarks on a file or on the locale out of our own output.
 void dropMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
@@ -99,7 +99,7 @@ int runCommand(int argc, char** argv)
     if (name.empty())
         std::fprintf(stderr, "%s", USAGE);
     else
-        std::fprintf(stderr, "tesmor: there is no subcommand '%s'; see tesmor --help\n", name.c_str());
+        std::fprintf(stderr, "tesmor: unknown subcommand '%s'; see tesmor --help\n", name.c_str());
     return STATUS_USAGE;
 }
 

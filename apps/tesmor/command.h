@@ -1,9 +1,9 @@
-// The whole command `tesmor`, for a `main` that adds nothing.
+// All of the command `tesmor` but main.
 #pragma once
 
 namespace tesmor::apps {
 
-// Finds the subcommand, runs it, and turns its failure into a line on the standard error. Returns the exit status.
+// Finds the subcommand, runs it, and reports a failure in one line on standard error. Returns the exit status.
 int runCommand(int argc, char** argv);
 
 } // namespace tesmor::apps

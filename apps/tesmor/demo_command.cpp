@@ -23,7 +23,7 @@ int demonstrate(const DemoOptions& options)
     printLine(instrument.introduction(options));
     const DemoRun run = runSession(options, instrument, style);
 
-    printLine("Writing the pictures.");
+    printLine("Writing the images.");
     const QImage truth = instrument.truth();
     const DemoSummary summary = summarise(run, instrument, truth);
     folder.writeTrace(traceAsCsv(run.trace));
@@ -33,8 +33,8 @@ int demonstrate(const DemoOptions& options)
     folder.writePicture("comparison.png", drawComparison(run, summary, truth));
 
     printLine("\n" + summaryText(summary));
-    printLine(QString("The pictures are in %1\n"
-                      "  focus-curve.png   the search (its figures: focus-trace.csv)\n"
+    printLine(QString("The images are in %1\n"
+                      "  focus-curve.png   the search (figures in focus-trace.csv)\n"
                       "  slice-01.png ...  the stack\n"
                       "  fused.png         the result\n"
                       "  comparison.png    start, best slice and result side by side")

@@ -14,13 +14,12 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr const char* DESCRIPTION =
-    "Lists the focus drives that are there. Nothing moves.\n\n"
-    "A drive has a unit number from 0 to 15; the library takes the lowest one that is there.\n\n"
-    "Examples:\n"
-    "  tesmor devices\n"
-    "  tesmor microscope > /dev/null & tesmor devices     with a simulated drive\n\n"
-    "Exit status: 0 a drive answers, 1 none does, 2 wrong usage.";
+constexpr const char* DESCRIPTION = "Lists the focus drives. Nothing moves.\n\n"
+                                    "Each drive has a unit number from 0 to 15; the library uses the lowest one.\n\n"
+                                    "Examples:\n"
+                                    "  tesmor devices\n"
+                                    "  tesmor microscope > /dev/null & tesmor devices     with a simulated drive\n\n"
+                                    "Exit status: 0 a drive responds, 1 none does, 2 wrong usage.";
 
 const char* stateName(DriveState state)
 {
@@ -43,11 +42,11 @@ QString explanation(const DriveUnit& unit)
     case DriveState::answers:
         return "answers";
     case DriveState::busy:
-        return "busy: another program uses it; close that program";
+        return "busy: in use by another program; close that program";
     case DriveState::foreign:
-        return QString("not usable: its drive service runs as user %1; it must run as root or as you").arg(unit.owner);
+        return QString("foreign: its drive service runs as user %1; it must run as root or as you").arg(unit.owner);
     case DriveState::silent:
-        return "does not reply; start its drive service anew";
+        return "silent: its drive service does not reply; restart the service";
     }
     return {};
 }
@@ -57,9 +56,10 @@ void printUnits(const std::vector<DriveUnit>& units)
     for (const DriveUnit& unit : units)
         std::printf("unit %-2u  %s\n", unit.number, qPrintable(explanation(unit)));
     if (units.empty())
-        std::fprintf(stderr,
-                     "tesmor devices: there is no focus drive; connect a camera that has one and start its drive "
-                     "service, or try: tesmor microscope > /dev/null\n");
+        std::fprintf(
+            stderr,
+            "tesmor devices: no focus drive found; connect a camera that has one and start its drive service, or "
+            "try: tesmor microscope > /dev/null\n");
 }
 
 void printUnitsAsJson(const std::vector<DriveUnit>& units)
@@ -77,7 +77,7 @@ int runDevices(int argc, char** argv)
     const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(DESCRIPTION);
-    parser.addOption({"json", "Answer with one line of JSON: {\"units\":[{\"unit\":0,\"state\":\"answers\"}]}. "
+    parser.addOption({"json", "Print the result as one line of JSON: {\"units\":[{\"unit\":0,\"state\":\"answers\"}]}. "
                               "The states: answers, busy, foreign, silent."});
     if (!parseCommandLine(parser, QCoreApplication::arguments()))
         return STATUS_DONE;

@@ -24,14 +24,14 @@ namespace tesmor::apps {
 namespace {
 
 constexpr const char* DESCRIPTION =
-    "Merges photographs of one field, taken at different focus, into one image that is sharp throughout.\n\n"
-    "IMAGE... are 1 to 128 PNG, JPEG, TIFF or BMP files of one size. They should show the field without a shift;\n"
-    "their order does not matter. Transparency is dropped, 16-bit images are reduced to 8 bits, and an orientation\n"
-    "noted in the file is applied.\n\n"
+    "Merges images of one field, taken at different focus positions, into one that is sharp throughout.\n\n"
+    "IMAGE... are 1 to 128 PNG, JPEG, TIFF or BMP files of one size, in any order. They should show the same field\n"
+    "without any shift. Transparency is dropped, 16-bit images are reduced to 8 bits, and the orientation stored in\n"
+    "a file is applied.\n\n"
     "Example:\n"
     "  tesmor fuse -o sharp.png slices/*.png\n\n"
-    "Ctrl-C ends the run and leaves the output file as it was. Exit status: 0 done, 1 failed, 2 wrong usage,\n"
-    "130 stopped.";
+    "Ctrl-C stops the run and leaves the output file as it was. Exit status: 0 done, 1 failed, 2 wrong usage,\n"
+    "130 interrupted.";
 
 struct Request {
     QStringList files;
@@ -40,16 +40,19 @@ struct Request {
     bool json;
 };
 
-// None when the help was asked for, and printed.
+// Nothing if the user asked for help; it is then printed.
 std::optional<Request> parseArguments(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(DESCRIPTION);
     parser.addPositionalArgument("IMAGE", "The images to merge.", "IMAGE...");
     parser.addOptions({
-        {{"o", "output"}, "Write to OUT, in the format of its name. An older OUT is replaced.", "OUT", "fused.png"},
-        {{"q", "quiet"}, "Say nothing but errors."},
-        {"json", "As --quiet, but answer with one line of JSON: "
+        {{"o", "output"},
+         "Write to OUT, in the format given by its name. An existing OUT is replaced.",
+         "OUT",
+         "fused.png"},
+        {{"q", "quiet"}, "Print nothing but errors."},
+        {"json", "Like --quiet, but print the result as one line of JSON: "
                  "{\"height\":675,\"images\":8,\"output\":\"sharp.png\",\"seconds\":2.5,\"width\":1200}."},
     });
     if (!parseCommandLine(parser, arguments))
@@ -64,7 +67,7 @@ std::optional<Request> parseArguments(const QStringList& arguments)
 QSize checkImages(const QStringList& files)
 {
     if (files.size() > MOST_FUSED_IMAGES)
-        throw UserError(QString("%1 images are too many; name at most %2").arg(files.size()).arg(MOST_FUSED_IMAGES));
+        throw UserError(QString("%1 images are too many; the maximum is %2").arg(files.size()).arg(MOST_FUSED_IMAGES));
     return readCommonSize(files, LEAST_FUSED_SIDE);
 }
 
@@ -73,7 +76,7 @@ void checkOutput(const Request& request, QSize size)
     const QString output = QFileInfo(request.output).canonicalFilePath();
     for (const QString& file : request.files) {
         if (!output.isEmpty() && QFileInfo(file).canonicalFilePath() == output)
-            throw UserError(request.output + ": is one of the images; choose another name with -o");
+            throw UserError(request.output + ": is one of the images to merge; choose another name with -o");
     }
     checkOutputFile(request.output, size);
 }
@@ -84,7 +87,7 @@ void say(const Request& request, const QString& text)
         printLine(text);
 }
 
-// Keeps the scale and the colour profile of the first image.
+// With the resolution and the colour profile of the first image.
 QImage makeOutput(const QImage& first)
 {
     QImage output(first.size(), QImage::Format_BGR888);

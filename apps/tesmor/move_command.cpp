@@ -20,19 +20,19 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr double MOST_DEGREES = 1843; // what the step count of one move can hold
+constexpr double MOST_DEGREES = 1843; // LARGEST_MOVE
 
 constexpr const char* DESCRIPTION =
     "Turns the focus by hand: ANGLE degrees, positive forward, at most 1843 either way.\n\n"
-    "It is the first thing to try with a new camera: watch the focus wheel, and the picture in your viewer.\n"
-    "The motor makes 12800 steps in a turn of 360 degrees; what is less than a step is dropped.\n\n"
+    "This is the first thing to try with a new camera: watch the focus knob, and the image in your viewer.\n"
+    "A turn of 360 degrees is 12800 motor steps; fractions of a step are dropped.\n\n"
     "Examples:\n"
     "  tesmor move 90\n"
     "  tesmor move -4.5\n"
     "  tesmor move --virtual 90      without a camera, on a simulated drive\n\n"
-    "Exit status: 0 turned, 1 failed, 2 wrong usage, 130 stopped.";
+    "Exit status: 0 done, 1 failed, 2 wrong usage, 130 interrupted.";
 
-// An angle such as -90 would be read as options; it is moved behind the mark that ends them.
+// An angle such as -90 would be taken for options, so it is moved behind the "--" that ends them.
 QStringList markAngles(const QStringList& arguments)
 {
     QStringList options, angles;
@@ -53,9 +53,10 @@ std::unique_ptr<microscope::VirtualMicroscope> startVirtualDrive()
     try {
         microscope->start({});
     } catch (const std::system_error&) {
-        throw UserError("a drive is there already, as unit 0; turn that, without --virtual, or end its service");
+        throw UserError(
+            "unit 0 is taken by another drive service; stop that service, or turn its drive without --virtual");
     }
-    std::fprintf(stderr, "The drive is simulated: no motor turns.\n");
+    std::fprintf(stderr, "This drive is simulated: no motor turns.\n");
     return microscope;
 }
 
@@ -73,11 +74,11 @@ std::int32_t move(double angle)
 QString textFor(std::int32_t result, std::int32_t steps)
 {
     if (result == TESMOR_NO_DRIVE)
-        return "there is no focus drive; connect a camera that has one and start its drive service, or try --virtual";
+        return "no focus drive found; connect a camera that has one and start its drive service, or try --virtual";
     if (result == TESMOR_MOVE_FAILED)
-        return "the drive did not carry out the move; tesmor devices tells whether another program uses it";
+        return "the drive did not carry out the move; check with tesmor devices whether another program is using it";
     if (steps == 0)
-        return "The drive answered to a move of 0 steps.";
+        return "The drive responded to a move of 0 steps.";
     return QString("Turned %1 degrees %2: %3 steps.")
         .arg(QString::number(std::abs(steps) * DEGREES_PER_STEP), steps > 0 ? "forward" : "in reverse")
         .arg(std::abs(steps));
@@ -93,15 +94,15 @@ int runMove(int argc, char** argv)
     parser.addPositionalArgument("ANGLE", "Degrees; positive is forward.");
     parser.addOptions({
         {"virtual", "Turn a simulated drive."},
-        {"json",
-         "Answer with one line of JSON: {\"degrees\":90,\"result\":0,\"steps\":3200,\"text\":\"...\"}, with the "
-         "library's result code. Also for a move that fails."},
+        {"json", "Print the result as one line of JSON: {\"degrees\":90,\"result\":0,\"steps\":3200,\"text\":\"...\"}, "
+                 "with the "
+                 "library's result code; also if the move fails."},
     });
     if (!parseCommandLine(parser, markAngles(QCoreApplication::arguments())))
         return STATUS_DONE;
     if (parser.positionalArguments().size() != 1)
         throw UsageError("name one angle, in degrees");
-    const double angle = numberOf("the angle", parser.positionalArguments().first(), -MOST_DEGREES, MOST_DEGREES);
+    const double angle = numberOf("ANGLE", parser.positionalArguments().first(), -MOST_DEGREES, MOST_DEGREES);
 
     const auto microscope = parser.isSet("virtual") ? startVirtualDrive() : nullptr;
     const auto steps = static_cast<std::int32_t>(angle * STEPS_PER_TURN / 360.0);

@@ -1,7 +1,7 @@
 // The subcommands of `tesmor`; command.cpp has the table of them.
 //
-// Each takes argv with "tesmor NAME" in its first place, creates the Qt application that it needs, and returns the exit
-// status or throws UsageError, UserError, Interrupted or std::bad_alloc.
+// argv[0] is "tesmor NAME". Each creates the Qt application that it needs, and returns the exit status or throws
+// UsageError, UserError, Interrupted or std::bad_alloc.
 #pragma once
 
 namespace tesmor::apps {

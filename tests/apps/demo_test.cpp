@@ -111,14 +111,14 @@ TEST_F(DemoTest, SaysWhatIsWrong)
         {{"--magnification", "5"}, 2, "--magnification is '5'; it must be 4, 10, 20, 40, 60, 80 or 100"},
         {{"--magnification", "4", "--spacing", "328"}, 2, "--spacing is '328'; it must be a number from 1 to 327"},
         {{"--offset", "far"}, 2, "--offset is 'far'"},
-        {{"--planes", "missing"}, 1, "missing: does not exist"},
-        {{"--planes", "empty"}, 1, "empty: holds no pictures"},
-        {{"--planes", "single"}, 1, "single: holds one picture only"},
-        {{"--planes", "mixed"}, 1, "mixed/b.png: has 160 x 100 pixels, but mixed/a.png has 160 x 120"},
-        {{"--planes", "planes", "--output", "planes"}, 1, "planes: holds the photographs"},
-        {{"--planes", "planes", "--output", "mine"}, 1, "mine/slice-01.png: was not made by a demo"},
-        {{"--planes", "planes", "--output", "file"}, 1, "file: is no folder"},
-        {{"--planes", "planes", "--output", "/proc/out"}, 1, "/proc/out: the folder cannot be made"},
+        {{"--planes", "missing"}, 1, "missing: no such folder"},
+        {{"--planes", "empty"}, 1, "empty: contains none of the 2"},
+        {{"--planes", "single"}, 1, "single: contains one of the 2"},
+        {{"--planes", "mixed"}, 1, "mixed/b.png: 160 x 100 pixels, but mixed/a.png has 160 x 120"},
+        {{"--planes", "planes", "--output", "planes"}, 1, "planes: contains the photographs"},
+        {{"--planes", "planes", "--output", "mine"}, 1, "mine/slice-01.png: not written by a demo"},
+        {{"--planes", "planes", "--output", "file"}, 1, "file: not a folder"},
+        {{"--planes", "planes", "--output", "/proc/out"}, 1, "/proc/out: cannot be created"},
     };
     for (const Case& expected : cases) {
         const CommandResult result = run("demo", expected.arguments);
@@ -136,7 +136,7 @@ TEST_F(DemoTest, SaysWhenAnotherProgramHasTheDrive)
     const RawService other(0);
     const CommandResult result = run("demo", {"--planes", "planes"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.errors.contains("if another program has it")) << qPrintable(result.errors);
+    EXPECT_TRUE(result.errors.contains("stop whatever else simulates a drive")) << qPrintable(result.errors);
 }
 
 TEST_F(DemoTest, EndsWhenInterrupted)
@@ -151,7 +151,7 @@ TEST_F(DemoTest, EndsWhenInterrupted)
         kill(static_cast<pid_t>(process.processId()), signal);
         const CommandResult result = finish(process);
         EXPECT_EQ(result.status, 130) << qPrintable(result.output + result.errors);
-        EXPECT_EQ(result.errors, "tesmor demo: stopped\n");
+        EXPECT_EQ(result.errors, "tesmor demo: interrupted\n");
         EXPECT_TRUE(namesIn("out").isEmpty());
     }
 }

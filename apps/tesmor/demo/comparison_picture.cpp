@@ -15,7 +15,7 @@ constexpr int PANEL_WIDTH = 480; // pixels
 constexpr int GAP = 12;
 constexpr int TITLE_HEIGHT = 40;
 constexpr int NOTE_HEIGHT = 34;
-constexpr int CELLS = 16; // a side, of the grid on which the detail is sought
+constexpr int CELLS = 16; // per side, of the grid on which the detail is chosen
 constexpr int DETAIL_CELLS = CELLS / 4;
 
 int heightOf(const QSize& size)

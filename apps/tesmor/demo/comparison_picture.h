@@ -1,4 +1,4 @@
-// Pictures of one field side by side, to be compared by eye.
+// Images of one field side by side, for comparison by eye.
 #pragma once
 
 #include <QImage>
@@ -11,13 +11,13 @@ namespace tesmor::apps {
 struct ComparedPicture {
     QString title;
     QString note; // a line of figures below it
-    QImage image; // all of one size
+    QImage image; // all have the same size
 };
 
 // The whole field in the first row; in the second a detail, at full resolution or larger. Needs a QGuiApplication.
 QImage compare(const std::vector<ComparedPicture>& pictures, const QRect& detail);
 
-// A quarter of each side: where `image` is furthest from `reference`. Same size, BGR888.
+// Where `image` differs most from `reference`; a quarter of each side. Same size, BGR888.
 QRect mostDifferentPart(const QImage& image, const QImage& reference);
 
 } // namespace tesmor::apps

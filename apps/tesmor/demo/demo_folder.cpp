@@ -25,16 +25,16 @@ DemoFolder::DemoFolder(const QString& path, const std::optional<QString>& planes
     : path_(path.endsWith('/') ? path : path + "/")
 {
     if (QFileInfo(path).exists() && !QFileInfo(path).isDir())
-        throw UserError(path + ": is no folder; choose another with --output");
+        throw UserError(path + ": not a folder; choose another with -o");
     if (!QDir().mkpath(path))
-        throw UserError(path + ": the folder cannot be made; check the permissions, or choose another with --output");
+        throw UserError(path + ": cannot be created; check the permissions, or choose another folder with -o");
     if (planes && QDir(path) == QDir(*planes))
-        throw UserError(path + ": holds the photographs, which would be replaced; choose another folder with --output");
+        throw UserError(path + ": contains the photographs, which might be overwritten; choose another folder with -o");
     checkOutputFile(file("fused.png"), {});
     const QStringList slices = sliceNames(path_);
     if (!slices.isEmpty() && !QFileInfo::exists(file(TRACE)))
         throw UserError(file(slices.first()) +
-                        ": was not made by a demo and would be replaced; choose another folder with --output");
+                        ": not written by a demo, and would be overwritten; choose another folder with -o");
 }
 
 void DemoFolder::writeTrace(const QByteArray& csv) const
@@ -42,7 +42,7 @@ void DemoFolder::writeTrace(const QByteArray& csv) const
     const InterruptGuard guard;
     QSaveFile output(file(TRACE));
     if (!output.open(QIODevice::WriteOnly) || output.write(csv) != csv.size() || !output.commit())
-        throw UserError(QString("%1: cannot be written (%2); choose another folder with --output")
+        throw UserError(QString("%1: cannot be written (%2); choose another folder with -o")
                             .arg(file(TRACE), output.errorString()));
     throwIfInterrupted();
 }
@@ -51,8 +51,8 @@ void DemoFolder::writeSlices(const std::vector<QImage>& slices) const
 {
     for (const QString& name : sliceNames(path_)) {
         if (!QFile::remove(file(name)))
-            throw UserError(file(name) + ": cannot be removed; check its permissions, or choose another folder with "
-                                         "--output");
+            throw UserError(file(name) +
+                            ": cannot be removed; check its permissions, or choose another folder with -o");
     }
     int number = 0;
     for (const QImage& slice : slices)

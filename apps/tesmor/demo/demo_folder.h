@@ -1,4 +1,4 @@
-// The folder that a demo writes into. All functions throw UserError, which names the culprit and the remedy.
+// The folder that a demo writes to. All functions throw UserError, which names the culprit and the remedy.
 #pragma once
 
 #include <QByteArray>
@@ -12,18 +12,18 @@ namespace tesmor::apps {
 
 class DemoFolder {
 public:
-    // Makes the folder if need be and finds out whether one can write there. Nobody's photographs are replaced: refuses the
-    // folder `planes` that they came from, and one whose slice-NN.png are no demo's.
+    // Creates the folder if necessary and checks that it is writable. So that nobody's photographs are overwritten, refuses
+    // the folder `planes` that they came from, and any folder whose slice-NN.png no demo has written.
     DemoFolder(const QString& path, const std::optional<QString>& planes);
 
     void writeTrace(const QByteArray& csv) const;
 
-    // As slice-01.png and so on; an earlier demo's slices are removed. Call writeTrace before: it tells a demo's folder.
+    // As slice-01.png and so on; removes the slices of an earlier demo. Call writeTrace first: it marks the folder as a demo's.
     void writeSlices(const std::vector<QImage>& slices) const;
 
     void writePicture(const QString& name, const QImage& picture) const;
 
-    // With a slash at its end.
+    // With a trailing slash.
     QString path() const
     {
         return path_;

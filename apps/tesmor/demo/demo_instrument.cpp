@@ -32,8 +32,8 @@ std::size_t countPlanes(const microscope::Settings& settings)
     return settings.photos ? settings.photos->images.size() : 0;
 }
 
-// Motor steps from the best focus. Photographs show nothing new outside their planes: the start then lies on the longer
-// side of the best one.
+// Motor steps from the best focus. Photographs show nothing new outside their planes, so the start lies among them, on the
+// longer side of the best one.
 double defaultOffset(const microscope::VirtualMicroscope& microscope, std::size_t planeCount)
 {
     const double offset = -DEFAULT_OFFSET * microscope.depthOfField();
@@ -77,20 +77,21 @@ QString DemoInstrument::introduction(const DemoOptions& options) const
 {
     QString text = QString::fromStdString(microscope_.description()) + "\n";
     if (planeCount_ > 0)
-        text += QString("%1 photographs from %2 stand in for the specimen, %3 motor steps apart.\n")
+        text += QString("%1 photographs from %2 replace the specimen, %3 motor steps apart.\n")
                     .arg(planeCount_)
                     .arg(*options.planes)
                     .arg(std::lround(unitOfDistance()));
-    text += QString("It runs in real time, with %1 frames of %2 pixels a second.\n")
+    text += QString("It runs in real time: %1 frames per second of %2 pixels.\n")
                 .arg(microscope_.settings().framesPerSecond)
                 .arg(sizeText({microscope_.settings().width, microscope_.settings().height}));
     const double offset = static_cast<double>(startPosition_) - microscope_.bestFocus();
-    return text + QString("It starts out of focus, at position %1: %2 motor steps (%3 %4) %5 the %6.\n")
-                      .arg(startPosition_)
-                      .arg(std::lround(std::abs(offset)))
-                      .arg(std::abs(offset) / unitOfDistance(), 0, 'f', 1)
-                      .arg(planeCount_ > 0 ? "planes" : "depths of field", offset < 0 ? "below" : "above",
-                           planeCount_ > 0 ? "plane of greatest contrast" : "true focus");
+    return text +
+           QString("It starts out of focus, at position %1: %2 motor steps (%3 %4) from the %5, on the %6 side.\n")
+               .arg(startPosition_)
+               .arg(std::lround(std::abs(offset)))
+               .arg(std::abs(offset) / unitOfDistance(), 0, 'f', 1)
+               .arg(planeCount_ > 0 ? "planes" : "depths of field",
+                    planeCount_ > 0 ? "plane of highest contrast" : "best focus", offset < 0 ? "reverse" : "forward");
 }
 
 } // namespace tesmor::apps

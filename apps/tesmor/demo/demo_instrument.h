@@ -15,7 +15,7 @@ namespace tesmor::apps {
 
 class DemoInstrument {
 public:
-    // Reads the photographs, if any, and makes the microscope. Throws UserError.
+    // Reads the photographs, if any, and creates the microscope. Throws UserError.
     DemoInstrument(const DemoOptions& options, LiveLine::Style style);
 
     microscope::VirtualMicroscope& microscope()
@@ -45,7 +45,7 @@ public:
     // Null with photographs.
     QImage truth() const;
 
-    // Some lines that say what it is and where it starts.
+    // Several lines that describe it and where it starts.
     QString introduction(const DemoOptions& options) const;
 
 private:

@@ -13,13 +13,13 @@ struct DemoOptions {
     QString output;
     std::uint64_t seed;
     std::uint16_t magnification;
-    std::optional<int> offset;  // motor steps, of the start from the true focus
+    std::optional<int> offset;  // motor steps, of the start from the best focus
     std::optional<int> slices;  // 1 to 128
-    std::optional<int> spacing; // units of the objective, 1 or more; a slice is at most 65535 motor steps from the next
+    std::optional<int> spacing; // units of the objective, 1 or more; at most LARGEST_MOVE motor steps
     std::optional<QString> planes;
 };
 
-// None when the help was asked for, and printed. Throws UsageError.
+// Nothing if the user asked for help; it is then printed. Throws UsageError.
 std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments);
 
 } // namespace tesmor::apps

@@ -17,7 +17,7 @@ QImage drawFocusCurve(const DemoRun& run, const DemoSummary& summary, std::uint1
     chart.startPosition = summary.startPosition;
     chart.chosenPosition = summary.chosenPosition;
     chart.bestPosition = summary.bestPosition;
-    chart.bestLabel = photographs ? "sharpest plane" : "true focus";
+    chart.bestLabel = photographs ? "plane of highest contrast" : "best focus";
     chart.margin = summary.unitOfDistance;
     chart.marginLabel = photographs ? "one plane" : "one depth of field";
     return drawFocusChart(chart);

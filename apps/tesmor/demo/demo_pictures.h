@@ -1,4 +1,4 @@
-// The two pictures that explain a demo. They need a QApplication.
+// The two images that explain a demo. They need a QApplication.
 #pragma once
 
 #include "tesmor/demo/demo_run.h"

@@ -21,7 +21,7 @@ DemoRun runSession(const DemoOptions& options, DemoInstrument& instrument, LiveL
 
     const StackPlan plan = planStack(options, microscope, instrument.planeCount());
     session.moveTo(plan.firstPosition - plan.stepsPerSlice);
-    printLine(QString("Moved to position %1, one slice before the stack.").arg(microscope.position()));
+    printLine(QString("Moved to position %1, one slice before the first.").arg(microscope.position()));
     run.slices = session.captureStack(plan.slices, plan.spacing);
     printLine(QString("Captured %1 slices, %2 motor steps apart.").arg(run.slices.size()).arg(plan.stepsPerSlice));
     run.fused = session.merge(run.slices);

@@ -1,4 +1,4 @@
-// A demo's session from beginning to end, and what came out of it.
+// A demo's session from beginning to end, and its results.
 #pragma once
 
 #include "terminal/live_line.h"
@@ -22,7 +22,7 @@ struct DemoRun {
     std::vector<OperationCost> costs;
 };
 
-// Says on the standard output what it does. Throws as DemoSession does.
+// Reports its progress on standard output. Throws like DemoSession.
 DemoRun runSession(const DemoOptions& options, DemoInstrument& instrument, LiveLine::Style style);
 
 } // namespace tesmor::apps

@@ -25,7 +25,7 @@ using namespace std::chrono_literals;
 
 constexpr auto FIRST_FRAME_LIMIT = 10s;
 constexpr auto TIME_BETWEEN_LINES = 1s;
-constexpr std::int64_t LONGEST_MOVE = 60000; // steps; a manual move wraps round at 65536
+constexpr std::int64_t LONGEST_MOVE = 60000; // steps; a manual move wraps around at 65536
 constexpr int BAR_LENGTH = 20;
 
 void requireSuccess(std::int32_t result, const QString& operation)
@@ -37,11 +37,12 @@ void requireSuccess(std::int32_t result, const QString& operation)
     case TESMOR_ABORTED:
         throw Interrupted();
     case TESMOR_NO_DRIVE:
-        throw UserError(operation + ": the simulated focus drive was not found; is the machine out of file handles?");
+        throw UserError(operation + ": the simulated focus drive was not found; close other programs and try again");
     case TESMOR_NO_FRAME:
-        throw UserError(operation + ": no frame came within 4 seconds; end other programs, or use smaller pictures");
+        throw UserError(operation +
+                        ": no frame arrived within 4 seconds; close other programs, or use smaller photographs");
     default:
-        throw UserError(operation + ": the simulated focus motor does not answer; end other programs and start again");
+        throw UserError(operation + ": the simulated focus motor does not respond; close other programs and try again");
     }
 }
 
@@ -50,7 +51,7 @@ void finish(void* context, std::int32_t result)
     static_cast<PendingResult*>(context)->set(result);
 }
 
-// The slices as they come in.
+// The slices received so far.
 struct StackReports {
     PendingResult result;
     std::mutex mutex;
@@ -68,7 +69,8 @@ struct StackReports {
         auto& reports = *static_cast<StackReports*>(context);
         if (image == nullptr)
             return reports.result.set(result);
-        QImage slice = copyOfFrame(image, width, height); // null without memory: nothing may be thrown here
+        QImage slice =
+            copyOfFrame(image, width, height); // null if memory is short; a callback of the library should not throw
         const std::lock_guard lock(reports.mutex);
         reports.slices.push_back(std::move(slice));
     }
@@ -83,16 +85,17 @@ DemoSession::DemoSession(microscope::VirtualMicroscope& microscope, LiveLine::St
     try {
         microscope_.start([this](const microscope::Frame& frame) { watch_.receive(frame); });
     } catch (const std::system_error& error) {
-        throw UserError(QString("the simulated focus drive cannot be opened (%1); if another program has it, such as a "
-                                "second demo, end that")
-                            .arg(error.what()));
+        throw UserError(
+            QString("the simulated focus drive cannot be opened (%1); stop whatever else simulates a drive, "
+                    "such as a second demo")
+                .arg(error.what()));
     }
     const auto limit = Clock::now() + FIRST_FRAME_LIMIT;
     while (watch_.count() == 0 && Clock::now() < limit)
         std::this_thread::sleep_for(5ms);
     if (watch_.count() == 0) {
         microscope_.stop();
-        throw UserError("the simulated camera delivers no frame; end other programs, or use smaller pictures");
+        throw UserError("the simulated camera delivers no frames; close other programs, or use smaller photographs");
     }
 }
 
@@ -126,7 +129,7 @@ FocusTrace DemoSession::focus()
             return log;
         };
         LiveLine line(style_, TIME_BETWEEN_LINES);
-        double highest = 1e-9; // grey levels; a black view is not divided by
+        double highest = 1e-9; // grey levels; above 0 for a black view
         PendingResult result;
         tesmor_start(magnification_, finish, &result);
         const std::int32_t code = result.wait([&] {
@@ -153,7 +156,7 @@ void DemoSession::moveTo(std::int64_t position)
             const std::int64_t before = microscope_.position();
             moveBy(std::clamp(way, -LONGEST_MOVE, LONGEST_MOVE), line);
             if (microscope_.position() == before)
-                throw UserError("manual move: the simulated focus motor is at its end; choose a smaller --offset");
+                throw UserError("manual move: the simulated focus motor is at its end stop; choose a smaller --offset");
         }
         return true;
     });
@@ -161,7 +164,7 @@ void DemoSession::moveTo(std::int64_t position)
 
 void DemoSession::moveBy(std::int64_t steps, LiveLine& line)
 {
-    // The library cuts the angle to whole steps; half a step more is safe from rounding.
+    // The library truncates to whole steps; half a step more protects against rounding.
     const double angle = (static_cast<double>(steps) + std::copysign(0.5, steps)) * DEGREES_PER_STEP;
     PendingResult result;
     tesmor_manual(angle, finish, &result);
@@ -192,7 +195,7 @@ std::vector<QImage> DemoSession::captureStack(std::uint16_t slices, std::int32_t
 
 QImage DemoSession::merge(const std::vector<QImage>& slices)
 {
-    microscope_.stop(); // nobody looks at the live view meanwhile, and the fusion yields to everything else
+    microscope_.stop(); // nobody watches the live view now, and the fusion yields to everything else
     return measured("fusion", [&] {
         QImage fused(slices.front().size(), QImage::Format_BGR888);
         if (fused.isNull())

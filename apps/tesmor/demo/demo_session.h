@@ -1,5 +1,5 @@
-// The four operations of a session with a microscope, as any host of the library makes them: focus, move, capture a
-// stack, merge it. Shows on the standard output what happens as it happens.
+// The four operations of a session at the microscope, done as any host of the library does them: focus, move, capture a
+// stack, merge it. Reports its progress on standard output.
 #pragma once
 
 #include "host/library_session.h"
@@ -20,15 +20,15 @@ namespace tesmor::apps {
 struct OperationCost {
     QString name;
     std::size_t moves;
-    std::size_t frames; // that the camera delivered meanwhile
+    std::size_t frames; // that the camera delivered
     double seconds;
 };
 
-// Starts the microscope, passes its frames to the library, and stops it in the end. All functions throw UserError when
+// Starts the microscope, passes its frames to the library, and stops it at the end. All functions throw UserError when
 // the operation fails, and Interrupted; an interruption ends the library's command first.
 class DemoSession {
 public:
-    // Returns with the first frame.
+    // Returns once the first frame has arrived.
     DemoSession(microscope::VirtualMicroscope& microscope, LiveLine::Style style);
     ~DemoSession();
     DemoSession(const DemoSession&) = delete;
@@ -37,7 +37,7 @@ public:
     FocusTrace focus();
     void moveTo(std::int64_t position); // motor steps
     std::vector<QImage> captureStack(std::uint16_t slices, std::int32_t spacing);
-    // Ends the live view: the last operation.
+    // The last operation: ends the live view.
     QImage merge(const std::vector<QImage>& slices);
 
     QImage firstImage() const

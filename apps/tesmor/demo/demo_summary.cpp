@@ -33,7 +33,7 @@ QString costLine(const OperationCost& cost)
 QString costTable(const std::vector<OperationCost>& costs)
 {
     QString text = "  " + QString(22, ' ') + cell("moves", 9) + cell("frames", 9) + cell("seconds", 10) + "\n";
-    OperationCost total{"in all", 0, 0, 0};
+    OperationCost total{"total", 0, 0, 0};
     for (const OperationCost& cost : costs) {
         text += costLine(cost);
         total.moves += cost.moves;
@@ -57,8 +57,8 @@ QString imageTable(const DemoSummary& summary)
     text += imageLine(QString("best slice (%1 of %2)").arg(summary.bestSliceIndex + 1).arg(summary.sliceCount),
                       summary.bestSlice);
     text += imageLine("fused image", summary.fused);
-    text += "  (sharpness: of edges, grey levels a pixel; PSNR and SSIM: against the truth";
-    return text + (summary.photographs ? ",\n  which is not known of photographs)\n" : ")\n");
+    text += "  (sharpness: of edges, in grey levels per pixel; PSNR and SSIM: compared with the truth";
+    return text + (summary.photographs ? ",\n  which is unknown for photographs)\n" : ")\n");
 }
 
 double distance(const DemoSummary& summary)
@@ -69,15 +69,15 @@ double distance(const DemoSummary& summary)
 QString likelyCause(const DemoSummary& summary)
 {
     if (summary.photographs)
-        return "the contrast in the middle of these photographs does not rise to one clear peak, and past the\n"
-               "  first and the last of them it stays the same";
-    constexpr double FAR = 10; // depths of field; nearer, the view of the virtual microscope shows where to go
+        return "the contrast in the middle of these photographs does not rise to one clear peak, and before the\n"
+               "  first and after the last of them it does not change";
+    constexpr double FAR = 10; // depths of field; any closer, the view of the virtual microscope shows the way
     const double startDistance = std::abs(static_cast<double>(summary.startPosition) - summary.bestPosition);
     if (startDistance > FAR * summary.unitOfDistance)
-        return QString("the start is %1 depths of field away, where the view is so blurred that noise outweighs\n"
-                       "  the rise towards the focus; start nearer, with a smaller --offset")
+        return QString("the start is %1 depths of field away, where the view is so blurred that noise hides the\n"
+                       "  rise towards the focus; start closer, with a smaller --offset")
             .arg(startDistance / summary.unitOfDistance, 0, 'f', 1);
-    return "the contrast of this view has more than one peak, and the search climbs the first that it meets;\n"
+    return "the contrast of this view has more than one peak, and the search climbs the first one it meets;\n"
            "  try another --offset or --seed";
 }
 
@@ -86,9 +86,9 @@ QString focusLines(const DemoSummary& summary)
     const double steps = distance(summary);
     const double depths = std::abs(steps) / summary.unitOfDistance;
     const QString unit = summary.photographs ? "planes" : "depths of field";
-    QString text = QString("  Focus found at %1; %2 at %3.\n")
+    QString text = QString("  The autofocus stopped at %1; %2 at %3.\n")
                        .arg(summary.chosenPosition)
-                       .arg(summary.photographs ? "the sharpest plane, by contrast, is" : "the true focus is")
+                       .arg(summary.photographs ? "the plane of highest contrast is" : "the best focus is")
                        .arg(std::lround(summary.bestPosition));
     text += QString("  Distance: %1 motor steps = %2 %3; within one %4: %5\n")
                 .arg(std::lround(std::abs(steps)))

@@ -1,4 +1,4 @@
-// What a demo came to, in figures.
+// The result of a demo in figures.
 #pragma once
 
 #include "tesmor/demo/demo_run.h"
@@ -12,8 +12,8 @@
 namespace tesmor::apps {
 
 struct ImageFigures {
-    double sharpness;           // of edges, grey levels a pixel
-    std::optional<double> psnr; // decibels against the truth, where there is one
+    double sharpness;           // of edges, grey levels per pixel
+    std::optional<double> psnr; // decibels, compared with the truth, if known
     std::optional<double> ssim;
 };
 
@@ -23,23 +23,23 @@ struct DemoSummary {
     // Motor steps.
     std::int64_t startPosition;
     std::int64_t chosenPosition;
-    double bestPosition;   // the true focus, or with photographs the plane of greatest contrast
-    double unitOfDistance; // one depth of field, or with photographs from one to the next
+    double bestPosition;   // the best focus; with photographs, the plane of highest contrast
+    double unitOfDistance; // one depth of field; with photographs, from one to the next
     bool photographs;
 
     ImageFigures start;
     ImageFigures bestSlice;
-    std::size_t bestSliceIndex; // the closest to the truth; without one, that with the sharpest edges
+    std::size_t bestSliceIndex; // the closest to the truth; if that is unknown, the one with the sharpest edges
     std::size_t sliceCount;
     ImageFigures fused;
 
-    bool isInFocus() const; // within one such unit
+    bool isInFocus() const; // within one unitOfDistance
 };
 
-//   truth   null where there is none
+//   truth   null if unknown
 DemoSummary summarise(const DemoRun& run, const DemoInstrument& instrument, const QImage& truth);
 
-// Some lines, ready to be printed.
+// Several lines, ready to print.
 QString summaryText(const DemoSummary& summary);
 
 // "24.3 dB"; "unknown"

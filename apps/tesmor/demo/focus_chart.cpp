@@ -128,7 +128,7 @@ private:
 
     const FocusChart& data_;
     const Range contrast_;
-    QChart* chart_; // these three belong to the scene in the end
+    QChart* chart_; // this and its axes are owned by the scene in the end
     QValueAxis* positionAxis_;
     QValueAxis* contrastAxis_;
 };

@@ -1,4 +1,4 @@
-// The picture of an autofocus: contrast over motor position.
+// The chart of an autofocus: contrast over motor position.
 #pragma once
 
 #include "tesmor/demo/focus_trace.h"
@@ -11,15 +11,15 @@ namespace tesmor::apps {
 struct FocusChart {
     QString title;
     FocusTrace trace;
-    std::int64_t startPosition;  // motor steps, as all that follow
+    std::int64_t startPosition;  // motor steps, like all that follow
     std::int64_t chosenPosition; // where the autofocus ended
-    double bestPosition;         // the truth
+    double bestPosition;         // the best focus
     QString bestLabel;           // what it is
     double margin;               // shaded on either side of it
     QString marginLabel;         // what it is, "one depth of field"
 };
 
-// On the left the whole search, on the right what it found, enlarged. Needs a QApplication.
+// Left the whole search, right its end, enlarged. Needs a QApplication.
 QImage drawFocusChart(const FocusChart& chart);
 
 } // namespace tesmor::apps

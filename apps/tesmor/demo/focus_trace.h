@@ -1,5 +1,5 @@
-// The course of an autofocus, made out from the moves that the drive was asked for and the frames that went to the
-// library.
+// The course of an autofocus, reconstructed from the moves that the drive was asked for and the frames that the library
+// received.
 #pragma once
 
 #include "microscope/drive/request_log.h"
@@ -18,7 +18,7 @@ enum class SearchPhase { PROBE, COARSE, FINE, RETURN };
 const char* phaseName(SearchPhase phase);
 
 struct TraceStep {
-    SearchPhase phase;         // that the sample belongs to, where there is one
+    SearchPhase phase;         // of the sample, if there is one
     std::int64_t displacement; // motor steps, signed
     std::int64_t position;     // of the motor after the move
     double seconds;            // from the search's first request to this move's
@@ -34,7 +34,7 @@ std::optional<std::int64_t> displacementOf(const microscope::LoggedRequest& requ
 // coarse one; a longer move brings the motor to where the next sweep starts; the last two bring it to the sharpest
 // position. The sample of a move is the last frame before the next request, as the library goes on as soon as it has one.
 //   requests        of one autofocus that has ended, in order
-//   frames          in order; earlier and later ones do no harm
+//   frames          in order; earlier and later ones are ignored
 //   startPosition   motor steps
 //   complete        it found a focus, so that the last two moves are the return
 FocusTrace traceSearch(const std::vector<microscope::LoggedRequest>& requests, const std::vector<SeenFrame>& frames,

@@ -1,4 +1,4 @@
-// Where the camera's frames go: to the library, with a note of each.
+// Passes the camera's frames to the library and keeps a record of each.
 #pragma once
 
 #include "microscope/camera/image.h"
@@ -16,12 +16,12 @@ namespace tesmor::apps {
 using Clock = std::chrono::steady_clock;
 
 struct SeenFrame {
-    Clock::time_point time; // shortly before the library got it
-    std::int64_t position;  // motor steps: what the frame shows
+    Clock::time_point time; // just before the library received it
+    std::int64_t position;  // motor steps: where the frame was taken
     double contrast;        // standard deviation of brightness where the autofocus looks, grey levels
 };
 
-// `receive` runs on the camera's thread, all else on any.
+// `receive` runs on the camera's thread, everything else on any thread.
 class FrameWatch {
 public:
     explicit FrameWatch(std::uint16_t magnification) : magnification_(magnification) {}
@@ -31,7 +31,7 @@ public:
     std::vector<SeenFrame> frames() const; // all, in order
     std::size_t count() const;
     std::optional<SeenFrame> last() const;
-    QImage firstImage() const; // null before the first frame, and without memory
+    QImage firstImage() const; // null before the first frame, or if memory is short
 
 private:
     const std::uint16_t magnification_;

@@ -23,9 +23,9 @@ QStringList pictureFiles(const QString& folder)
 {
     const QFileInfo info(folder);
     if (!info.exists())
-        throw UserError(folder + ": does not exist; check the name");
+        throw UserError(folder + ": no such folder; check the name");
     if (!info.isDir())
-        throw UserError(folder + ": is no folder; name the folder that holds the photographs");
+        throw UserError(folder + ": not a folder; name the folder with the photographs");
     const QDir directory(folder);
     if (!info.isReadable() || !info.isExecutable())
         throw UserError(folder + ": cannot be read; check its permissions");
@@ -50,14 +50,14 @@ std::vector<microscope::Image> readPlanes(const QString& folder, LiveLine::Style
     const QStringList files = pictureFiles(folder);
     if (files.size() < FEWEST_PLANES)
         throw UserError(
-            QString("%1: holds %2; put the photographs of one field there, taken at different focus, as PNG, JPEG, "
-                    "TIFF or BMP")
-                .arg(folder, files.isEmpty() ? "no pictures" : "one picture only"));
+            QString("%1: contains %2 of the 2 or more that are needed; add PNG, JPEG, TIFF or BMP photographs of one "
+                    "field at different focus positions")
+                .arg(folder, files.isEmpty() ? "none" : "one"));
     if (files.size() > MOST_PLANES)
         throw UserError(
-            QString("%1: holds %2 pictures; leave at most %3").arg(folder).arg(files.size()).arg(MOST_PLANES));
+            QString("%1: contains %2 images; leave at most %3").arg(folder).arg(files.size()).arg(MOST_PLANES));
     const QSize size = readCommonSize(files, LEAST_SIDE);
-    // The photographs once as they are read and once as planes, and the slices that are to be merged.
+    // The photographs twice, as read and as planes, and the slices to be merged.
     requireFusionMemory(fusionMemory(size, 2 * static_cast<std::size_t>(files.size()) + MOST_FUSED_IMAGES));
 
     std::vector<microscope::Image> planes;

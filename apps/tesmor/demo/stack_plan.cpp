@@ -15,7 +15,8 @@ namespace {
 constexpr double BELOW_FOCUS = 1;
 constexpr double ABOVE_FOCUS = 4.5;
 constexpr double SLICE_DISTANCE = 0.5;
-constexpr double PLANE_DISTANCE = 0.5; // less, and the search takes neighbours for one; more, and it sees each alone
+constexpr double PLANE_DISTANCE =
+    0.5; // with less, the search cannot tell neighbours apart; with more, it misses the rise from one to the next
 
 std::int32_t unitsFor(double steps, std::uint16_t magnification)
 {

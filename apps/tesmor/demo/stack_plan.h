@@ -1,4 +1,4 @@
-// Where a demo's focus stack begins, and how many slices of which distance it has.
+// Where a demo's focus stack begins, its number of slices and their spacing.
 #pragma once
 
 #include "microscope/virtual_microscope.h"
@@ -15,11 +15,11 @@ struct StackPlan {
     std::int64_t stepsPerSlice;
 };
 
-// Motor steps between two photographs that stand in for the specimen.
+// Motor steps between two photographs that replace the specimen.
 std::int64_t stepsPerPlane(std::uint16_t magnification);
 
-// What the user did not set is chosen so that the stack covers the specimen: it bends up from the middle of the field,
-// where the focus was found, towards the edges. With photographs: one slice a plane, as far as 128 slices go.
+// Chooses what the user did not set so that the stack covers the specimen, which bends up from the middle of the field,
+// where the focus was found, towards the edges. With photographs: one slice per plane, within the maximum of 128.
 StackPlan planStack(const DemoOptions& options, const microscope::VirtualMicroscope& microscope,
                     std::size_t planeCount);
 

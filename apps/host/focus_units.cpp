@@ -1,0 +1,27 @@
+#include "host/focus_units.h"
+
+#include "terminal/errors.h"
+
+#include <QStringList>
+
+namespace tesmor::apps {
+
+QString magnificationList()
+{
+    QStringList names;
+    for (const FocusObjective& objective : FOCUS_OBJECTIVES)
+        names += QString::number(objective.magnification);
+    const QString last = names.takeLast();
+    return names.join(", ") + " or " + last;
+}
+
+std::uint16_t parseMagnification(const QString& text)
+{
+    for (const FocusObjective& objective : FOCUS_OBJECTIVES) {
+        if (text == QString::number(objective.magnification))
+            return objective.magnification;
+    }
+    throw UsageError(QString("--magnification is '%1'; it must be %2").arg(text, magnificationList()));
+}
+
+} // namespace tesmor::apps
