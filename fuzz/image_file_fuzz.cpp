@@ -1,5 +1,6 @@
 // Any file in place of an image. The decoders are Qt's; ours is what is asked of them, and what is made of their answer.
 #include "fuzz/fuzz_input.h"
+#include "images/decoder_messages.h"
 #include "images/image_files.h"
 #include "terminal/errors.h"
 
@@ -24,6 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const QString name = QString("/proc/self/fd/%1").arg(file);
     fuzz::require(ftruncate(file, 0) == 0 && pwrite(file, data, size, 0) == static_cast<ssize_t>(size), "a file");
     try {
+        const apps::DecoderSession session;
         const QSize imageSize = apps::readImageSize(name);
         fuzz::require(imageSize.width() > 0 && imageSize.height() > 0, "an image has a size");
         if (qint64{imageSize.width()} * imageSize.height() > MOST_PIXELS)

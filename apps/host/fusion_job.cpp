@@ -1,6 +1,7 @@
 #include "host/fusion_job.h"
 
 #include "host/pending_result.h"
+#include "host/planning_cache.h"
 #include "terminal/interrupt.h"
 #include "tesmor.h"
 
@@ -34,10 +35,13 @@ std::int32_t mergeImages(const std::vector<QImage>& images, QImage& output, cons
         frames.push_back(image.constBits());
 
     const InterruptGuard guard;
+    loadPlanning();
     FusionReports reports;
     tesmor_fusion(frames.data(), frames.size(), static_cast<std::uint32_t>(output.width()),
                   static_cast<std::uint32_t>(output.height()), output.bits(), FusionReports::receive, &reports);
-    return reports.result.wait([&] { progress(reports.percent); });
+    const std::int32_t result = reports.result.wait([&] { progress(reports.percent); });
+    savePlanning();
+    return result;
 }
 
 } // namespace tesmor::apps

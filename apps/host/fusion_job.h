@@ -12,7 +12,7 @@ namespace tesmor::apps {
 constexpr int MOST_FUSED_IMAGES = 128;
 constexpr int LEAST_FUSED_SIDE = 2; // pixels
 
-// Within a LibrarySession.
+// Within a LibrarySession. No other thread may use FFTW's planner meanwhile.
 //   images     at most MOST_FUSED_IMAGES, all of output's size and format, no side below LEAST_FUSED_SIDE
 //   output     of format BGR888; untouched unless the result is TESMOR_SUCCESS
 //   progress   called about twenty times a second with the percentage done, on this thread

@@ -1,5 +1,7 @@
 #include "images/decoder_messages.h"
 
+#include <QImageReader>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -7,19 +9,20 @@ namespace tesmor::apps {
 
 namespace {
 
-QString messages;
+thread_local QString* record = nullptr;
 
 void remember(QtMsgType, const QMessageLogContext&, const QString& message)
 {
-    messages += message + '\n';
+    if (record != nullptr)
+        *record += message + '\n';
 }
 
 } // namespace
 
-DecoderMessages::DecoderMessages()
+DecoderSession::DecoderSession()
     : standardError_(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0)), handler_(qInstallMessageHandler(remember))
 {
-    messages.clear();
+    QImageReader::setAllocationLimit(0); // the caller checks against the available memory
     const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
     if (nowhere < 0)
         return;
@@ -28,7 +31,7 @@ DecoderMessages::DecoderMessages()
     close(nowhere);
 }
 
-DecoderMessages::~DecoderMessages()
+DecoderSession::~DecoderSession()
 {
     qInstallMessageHandler(handler_);
     if (standardError_ < 0)
@@ -37,9 +40,19 @@ DecoderMessages::~DecoderMessages()
     close(standardError_);
 }
 
+DecoderMessages::DecoderMessages()
+{
+    record = &text_;
+}
+
+DecoderMessages::~DecoderMessages()
+{
+    record = nullptr;
+}
+
 bool DecoderMessages::tellOfCutFile() const
 {
-    return messages.contains("premature end", Qt::CaseInsensitive);
+    return text_.contains("premature end", Qt::CaseInsensitive);
 }
 
 } // namespace tesmor::apps

@@ -1,11 +1,25 @@
-// Keeps what image decoders print about a damaged file out of our own one-line errors, and records it.
+// What image decoders print about a damaged file: kept out of our own one-line errors, and recorded.
 #pragma once
 
 #include <QString>
 
 namespace tesmor::apps {
 
-// During its lifetime, the standard error of the whole process is discarded and Qt's messages are recorded. One at a time.
+// Encloses the use of decoders. The standard error of the whole process is discarded meanwhile, Qt's messages go to the
+// DecoderMessages of the thread that they come from, and decoders may take as much memory as there is. One at a time.
+class DecoderSession {
+public:
+    DecoderSession();
+    ~DecoderSession();
+    DecoderSession(const DecoderSession&) = delete;
+    DecoderSession& operator=(const DecoderSession&) = delete;
+
+private:
+    int standardError_; // a duplicate of it; -1 if it could not be replaced
+    QtMessageHandler handler_;
+};
+
+// Records the messages of one file, decoded on this thread. Within a DecoderSession, one at a time on each thread.
 class DecoderMessages {
 public:
     DecoderMessages();
@@ -17,8 +31,7 @@ public:
     bool tellOfCutFile() const;
 
 private:
-    int standardError_; // a duplicate of it; -1 if it could not be replaced
-    QtMessageHandler handler_;
+    QString text_;
 };
 
 } // namespace tesmor::apps

@@ -29,7 +29,6 @@ void requireReadableFile(const QString& file)
 void open(QImageReader& reader, const QString& file)
 {
     requireReadableFile(file);
-    QImageReader::setAllocationLimit(0); // the caller checks against the available memory
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     reader.setFileName(file);
@@ -60,7 +59,6 @@ bool isCutBmp(const QString& name)
 
 QSize readImageSize(const QString& file)
 {
-    const DecoderMessages messages;
     QImageReader reader;
     open(reader, file);
     const QSize size = reader.size();

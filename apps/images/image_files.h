@@ -1,5 +1,5 @@
 // Reads PNG, JPEG, TIFF and BMP images, recognised by their content. All functions throw UserError, which names the file
-// and the remedy.
+// and the remedy. Any thread, within a DecoderSession (see decoder_messages.h).
 #pragma once
 
 #include <QImage>

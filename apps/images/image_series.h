@@ -15,7 +15,7 @@ namespace tesmor::apps {
 //   leastSide   minimum width and height, pixels
 QSize readCommonSize(const QStringList& files, int leastSide);
 
-// In the library's frame layout (QImage::Format_BGR888), with a progress bar. They must have the given size, as returned
+// In the library's frame layout (QImage::Format_BGR888) and in order, with a progress bar; decodes on several threads. They must have the given size, as returned
 // by readCommonSize.
 std::vector<QImage> readFrames(const QStringList& files, QSize size, LiveLine::Style style);
 
