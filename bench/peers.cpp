@@ -1,46 +1,59 @@
-// Times the command `tesmor fuse` and the program enfuse, whole processes that alternate, on a stack of the virtual
-// microscope, and scores both against its truth. Arguments: the command tesmor, a folder for the images.
+// Compares the command `tesmor fuse` with the program enfuse on stacks of the virtual microscope: whole processes that
+// alternate on the same files, and the likeness of both results to the truth. Arguments: the command tesmor, a folder.
+#include "images/frame_image.h"
 #include "images/image_quality.h"
 #include "microscope/virtual_microscope.h"
 #include "ratio.h"
+#include "run_process.h"
 
 #include <QDir>
 #include <QImage>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <fcntl.h>
 #include <stdexcept>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace tesmor::bench {
 
 namespace {
 
-constexpr int ROUNDS = 7;
+constexpr int ROUNDS = 5;
+constexpr int JPEG_QUALITY = 95; // of the slices, and of both results
+constexpr double FIRST_AIM = 1.0;
+constexpr double SECOND_AIM = 1.5; // times as fast as enfuse
 
-QImage imageOf(const std::uint8_t* pixels, int width, int height)
-{
-    return QImage(pixels, width, height, static_cast<qsizetype>(microscope::rowBytes(width)), QImage::Format_BGR888)
-        .copy();
-}
+struct Stack {
+    int width;
+    int height;
+    int slices;
+    const char* format; // suffix of a file
+};
 
-// The specimen's whole relief, half a depth of field apart, with the camera's noise.
-std::vector<std::string> renderStack(microscope::VirtualMicroscope& microscope, const QDir& folder)
+// What one of the two does in every round.
+struct Runs {
+    std::vector<double> seconds, processorSeconds;
+    double peakBytes = 0;
+
+    void add(const ProcessCost& cost)
+    {
+        seconds.push_back(cost.seconds);
+        processorSeconds.push_back(cost.processorSeconds);
+        peakBytes = std::max(peakBytes, cost.peakBytes);
+    }
+};
+
+// The specimen's whole relief, evenly spaced, with the camera's noise.
+std::vector<std::string> renderSlices(microscope::VirtualMicroscope& microscope, const Stack& stack, const QDir& folder)
 {
     const auto [low, high] = std::minmax_element(microscope.heightMap().begin(), microscope.heightMap().end());
-    const double spacing = microscope.depthOfField() / 2;
-    const int slices = std::clamp(static_cast<int>((*high - *low) / spacing) + 1, 2, 128);
     QImage frame;
-    microscope.start([&](const microscope::Frame& f) { frame = imageOf(f.pixels, f.width, f.height); });
+    microscope.start([&](const microscope::Frame& f) { frame = apps::copyOfFrame(f.pixels, f.width, f.height); });
     std::vector<std::string> files;
-    for (int i = 0; i < slices; ++i) {
-        microscope.setPosition(std::llround(*low + i * spacing));
+    for (int i = 0; i < stack.slices; ++i) {
+        microscope.setPosition(std::llround(*low + (*high - *low) * i / (stack.slices - 1)));
         microscope.deliverFrame();
-        const QString file = folder.filePath(QString("slice-%1.png").arg(i + 1, 3, 10, QChar('0')));
-        if (!frame.save(file))
+        const QString file = folder.filePath(QString("slice-%1.%2").arg(i + 1, 3, 10, QChar('0')).arg(stack.format));
+        if (!frame.save(file, nullptr, file.endsWith("jpg") ? JPEG_QUALITY : -1))
             throw std::runtime_error("cannot write " + file.toStdString());
         files.push_back(file.toStdString());
     }
@@ -48,91 +61,76 @@ std::vector<std::string> renderStack(microscope::VirtualMicroscope& microscope, 
     return files;
 }
 
-struct Usage {
-    double seconds;
-    double processorSeconds;
-    double peakBytes;
-};
-
-Usage runProcess(const std::vector<std::string>& command)
+double likeness(const std::string& file, const QImage& truth)
 {
-    std::vector<char*> arguments;
-    for (const std::string& argument : command)
-        arguments.push_back(const_cast<char*>(argument.c_str()));
-    arguments.push_back(nullptr);
-    const double start = ElapsedTime::seconds();
-    const pid_t child = fork();
-    if (child == 0) {
-        const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
-        dup2(nowhere, STDOUT_FILENO);
-        dup2(nowhere, STDERR_FILENO);
-        execvp(arguments[0], arguments.data());
-        _exit(127);
-    }
-    int status = 0;
-    rusage usage{};
-    wait4(child, &status, 0, &usage);
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        throw std::runtime_error(command[0] + " failed");
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-    };
-    return {ElapsedTime::seconds() - start, seconds(usage.ru_utime) + seconds(usage.ru_stime),
-            static_cast<double>(usage.ru_maxrss) * 1024.0};
+    return apps::psnr(QImage(QString::fromStdString(file)).convertToFormat(QImage::Format_BGR888), truth);
 }
 
-struct Peer {
-    std::string name;
-    std::vector<std::string> command;
-    std::string output;
-    std::vector<double> seconds{}, processorSeconds{};
-    double peakBytes = 0.0;
-};
-
-void printLine(const std::string& name, const std::string& costs, const QImage& image, const QImage& truth)
+double medianRatio(const std::vector<double>& theirs, const std::vector<double>& ours)
 {
-    std::printf("| %s | %s | %.2f dB | %.4f |\n", name.c_str(), costs.c_str(), apps::psnr(image, truth),
-                apps::ssim(image, truth));
+    std::vector<double> ratios(ours.size());
+    std::ranges::transform(theirs, ours, ratios.begin(), std::divides());
+    return median(ratios);
 }
 
-QImage loaded(const std::string& file)
+void printRow(const char* name, const Runs& runs, double decibels)
 {
-    return QImage(QString::fromStdString(file)).convertToFormat(QImage::Format_BGR888);
+    std::printf("| %s | %.2f s | %.2f s | %.0f MB | %.2f dB |", name, median(runs.seconds),
+                median(runs.processorSeconds), runs.peakBytes / 1e6, decibels);
 }
 
-void comparePeers(const std::string& tesmorCommand, const QDir& folder)
+void printOurRow(const char* name, const Runs& ours, const Runs& theirs, double decibels, double theirDecibels,
+                 double aim)
+{
+    printRow(name, ours, decibels);
+    const double ratio = medianRatio(theirs.seconds, ours.seconds);
+    std::printf(" %.2f, %.2f |", ratio, medianRatio(theirs.processorSeconds, ours.processorSeconds));
+    const auto verdict = [](const char* what, bool met) { std::printf(" %s %s", what, met ? "met" : "MISSED"); };
+    verdict("time", ratio >= aim);
+    verdict("memory", ours.peakBytes <= theirs.peakBytes);
+    verdict("PSNR", decibels > theirDecibels);
+    std::printf(" |\n");
+}
+
+void compareOn(const Stack& stack, const std::string& tesmorCommand, const QDir& parent)
 {
     microscope::Settings settings;
     settings.framesPerSecond = 0;
+    settings.width = stack.width;
+    settings.height = stack.height;
     microscope::VirtualMicroscope microscope(settings);
-    const std::vector<std::string> slices = renderStack(microscope, folder);
-    const std::string ours = folder.filePath("tesmor.png").toStdString();
-    const std::string theirs = folder.filePath("enfuse.png").toStdString();
-    Peer peers[] = {
-        {"tesmor fuse", {tesmorCommand, "fuse", "-o", ours}, ours},
-        {"enfuse",
-         {"enfuse", "--exposure-weight=0", "--saturation-weight=0", "--contrast-weight=1", "--hard-mask", "-o", theirs},
-         theirs}};
-    for (Peer& peer : peers)
-        peer.command.insert(peer.command.end(), slices.begin(), slices.end());
+    const QDir folder(parent.filePath(QString("%1-%2").arg(stack.width).arg(stack.format)));
+    parent.mkpath(folder.path());
+    const std::vector<std::string> slices = renderSlices(microscope, stack, folder);
+    const auto file = [&](const char* name) { return folder.filePath(name).toStdString(); };
+    const std::string ourOutput = file("tesmor.") + stack.format;
+    const std::string theirOutput = file("enfuse.") + stack.format;
+    std::vector<std::string> ourCommand{tesmorCommand, "fuse", "-o", ourOutput};
+    std::vector<std::string> theirCommand{
+        "enfuse",   "--exposure-weight=0", "--saturation-weight=0", "--contrast-weight=1", "--hard-mask", "-o",
+        theirOutput};
+    if (stack.format == std::string("jpg"))
+        theirCommand.push_back("--compression=" + std::to_string(JPEG_QUALITY));
+    ourCommand.insert(ourCommand.end(), slices.begin(), slices.end());
+    theirCommand.insert(theirCommand.end(), slices.begin(), slices.end());
+
+    Runs first, second, theirs;
     for (int round = 0; round < ROUNDS; ++round) {
-        for (Peer& peer : peers) {
-            const Usage usage = runProcess(peer.command);
-            peer.seconds.push_back(usage.seconds);
-            peer.processorSeconds.push_back(usage.processorSeconds);
-            peer.peakBytes = std::max(peer.peakBytes, usage.peakBytes);
-        }
+        const std::string cache = "XDG_CACHE_HOME=" + file("cache-") + std::to_string(round); // empty in every round
+        first.add(runProcess(ourCommand, cache));
+        second.add(runProcess(ourCommand, cache));
+        theirs.add(runProcess(theirCommand, cache));
     }
-    const QImage truth = imageOf(microscope.truth().pixels.data(), settings.width, settings.height);
-    std::printf("%zu slices of %d × %d\n\n", slices.size(), settings.width, settings.height);
-    std::printf("| | time | processor time | peak memory | PSNR | SSIM |\n| --- | --: | --: | --: | --: | --: |\n");
-    for (const Peer& peer : peers) {
-        char costs[96];
-        std::snprintf(costs, sizeof costs, "%.2f s | %.2f s | %.0f MB", median(peer.seconds),
-                      median(peer.processorSeconds), peer.peakBytes / 1e6);
-        printLine(peer.name, costs, loaded(peer.output), truth);
-    }
-    printLine("the slice in the middle", "| |", loaded(slices[slices.size() / 2]), truth);
+    const auto& sharp = microscope.truth();
+    const QImage truth = apps::copyOfFrame(sharp.pixels.data(), sharp.width, sharp.height);
+    const double ourLikeness = likeness(ourOutput, truth);
+    const double theirLikeness = likeness(theirOutput, truth);
+    std::printf("| **%d %s of %d × %d** | | | | | | |\n", stack.slices, stack.format, stack.width, stack.height);
+    printOurRow("tesmor fuse, first run", first, theirs, ourLikeness, theirLikeness, FIRST_AIM);
+    printOurRow("tesmor fuse, second run", second, theirs, ourLikeness, theirLikeness, SECOND_AIM);
+    printRow("enfuse", theirs, theirLikeness);
+    std::printf(" | |\n");
+    std::fflush(stdout);
 }
 
 } // namespace
@@ -145,7 +143,13 @@ try {
         std::fprintf(stderr, "usage: %s COMMAND FOLDER\n", arguments[0]);
         return 2;
     }
-    tesmor::bench::comparePeers(arguments[1], QDir(QString::fromLocal8Bit(arguments[2])));
+    std::printf("| | time | processor time | peak memory | PSNR | times as fast: elapsed, processor | aims |\n"
+                "| --- | --: | --: | --: | --: | --: | --- |\n");
+    for (const tesmor::bench::Stack& stack : {tesmor::bench::Stack{1280, 960, 10, "png"},
+                                              {1280, 960, 10, "jpg"},
+                                              {2592, 1944, 16, "png"},
+                                              {2592, 1944, 16, "jpg"}})
+        tesmor::bench::compareOn(stack, arguments[1], QDir(QString::fromLocal8Bit(arguments[2])));
     return 0;
 } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());

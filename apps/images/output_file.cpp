@@ -15,6 +15,7 @@ namespace tesmor::apps {
 namespace {
 
 constexpr int JPEG_QUALITY = 95;
+constexpr int PNG_COMPRESSION = 45;      // zlib's level 4: half the time of its default for files 3 % larger
 constexpr int JPEG_LONGEST_SIDE = 65500; // pixels
 constexpr qint64 CHUNK = 1 << 20;        // bytes written between two checks for an interruption
 
@@ -37,6 +38,8 @@ QByteArray encode(const QString& file, const QImage& image)
     QImageWriter writer(&buffer, formatOf(file));
     if (writer.format() == "jpeg")
         writer.setQuality(JPEG_QUALITY);
+    else if (writer.format() == "png")
+        writer.setCompression(PNG_COMPRESSION);
     if (!writer.write(image))
         throw UserError(QString("%1: cannot be encoded (%2); choose another format").arg(file, writer.errorString()));
     return bytes;
