@@ -48,12 +48,12 @@ std::optional<Request> parseArguments(const QStringList& arguments)
     parser.addPositionalArgument("IMAGE", "The images to merge.", "IMAGE...");
     parser.addOptions({
         {{"o", "output"},
-         "Write to OUT, in the format given by its name. An existing OUT is replaced.",
+         "Write to OUT, in the format given by its name. An existing OUT is replaced. Default: fused.png.",
          "OUT",
          "fused.png"},
         {{"q", "quiet"}, "Print nothing but errors."},
-        {"json", "Like --quiet, but print the result as one line of JSON: "
-                 "{\"height\":675,\"images\":8,\"output\":\"sharp.png\",\"seconds\":2.5,\"width\":1200}."},
+        {"json",
+         "Like --quiet, but print the result as one line of JSON, with output, images, width, height and seconds."},
     });
     if (!parseCommandLine(parser, arguments))
         return std::nullopt;

@@ -47,13 +47,14 @@ constexpr const char* DESCRIPTION =
 void addOptions(QCommandLineParser& parser)
 {
     parser.addOptions({
-        {"magnification", "Magnification of the objective: " + magnificationList() + ".", "M", "10"},
-        {"offset", "Start this many motor steps forward of the best focus; negative: on its reverse side.", "STEPS",
-         "-1000"},
-        {"size", "Size of the frames in pixels.", "WIDTHxHEIGHT", "640x480"},
-        {"fps", "Frames per second.", "F", "30"},
-        {"seed", "The number of the specimen; every N gives a different one.", "N", "1"},
-        {"unit", "Unit number of the drive, 0 to 15; the library uses the lowest one.", "U", "0"},
+        {"magnification", "Magnification of the objective: " + magnificationList() + ". Default: 10.", "M", "10"},
+        {"offset",
+         "Start this many motor steps forward of the best focus; negative: on its reverse side. Default: -1000.",
+         "STEPS", "-1000"},
+        {"size", "Size of the frames in pixels. Default: 640x480.", "WIDTHxHEIGHT", "640x480"},
+        {"fps", "Frames per second. Default: 30.", "F", "30"},
+        {"seed", "The number of the specimen; every N gives a different one. Default: 1.", "N", "1"},
+        {"unit", "Unit number of the drive, 0 to 15; the library uses the lowest one. Default: 0.", "U", "0"},
     });
 }
 

@@ -8,12 +8,18 @@ void CommandTest::SetUp()
 {
     static int argumentCount = 0;
     static const QCoreApplication application(argumentCount, nullptr); // for the formats of images
-    ASSERT_TRUE(folder_.isValid());
+    ASSERT_TRUE(folder_.isValid() && cache_.isValid());
+    qputenv("XDG_CACHE_HOME", cachePath("").toLocal8Bit());
 }
 
 QString CommandTest::path(const QString& name) const
 {
     return folder_.filePath(name);
+}
+
+QString CommandTest::cachePath(const QString& name) const
+{
+    return cache_.filePath(name);
 }
 
 QStringList CommandTest::names() const

@@ -23,7 +23,8 @@ protected:
     void SetUp() override;
 
     QString path(const QString& name) const;
-    QStringList names() const; // of all files in the folder, hidden ones too
+    QString cachePath(const QString& name) const; // in the user's cache folder, which is ours
+    QStringList names() const;                    // of all files in the folder, hidden ones too
 
     void write(const QString& name, const QByteArray& bytes) const;
     QByteArray read(const QString& name) const;
@@ -41,6 +42,7 @@ protected:
 
 private:
     QTemporaryDir folder_;
+    QTemporaryDir cache_;
 };
 
 QImage flatImage(int width, int height, QRgb colour = qRgb(150, 100, 10));

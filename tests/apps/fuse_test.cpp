@@ -79,6 +79,39 @@ TEST_F(FuseTest, ReplacesAnOlderOutput)
     EXPECT_EQ(names(), QStringList({"a.png", "fused.png"}));
 }
 
+TEST_F(FuseTest, KeepsThePlanningOfEarlierRunsWhereItCan)
+{
+    save(flatImage(64, 48), "a.png");
+    save(flatImage(50, 60), "b.png");
+    const auto fuses = [this](const char* image) {
+        const CommandResult result = run("fuse", {"--quiet", image});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_TRUE(result.errors.isEmpty()) << qPrintable(result.errors);
+    };
+    const auto cached = [this] {
+        const QStringList files = QDir(cachePath("tesmor")).entryList(QDir::Files | QDir::Hidden);
+        EXPECT_EQ(files.size(), 1);
+        QFile file(cachePath("tesmor/" + files.value(0)));
+        EXPECT_TRUE(file.open(QIODevice::ReadWrite));
+        const QByteArray content = file.readAll();
+        file.write("damage"); // for the next run
+        file.flush();
+        return content;
+    };
+    fuses("a.png");
+    fuses("b.png");
+    const QByteArray both = cached();
+    fuses("b.png");
+    const QByteArray last = cached();
+    EXPECT_GT(both.size(), last.size()); // which began anew, from a damaged file
+    EXPECT_FALSE(last.contains("damage"));
+    QDir(cachePath("tesmor")).removeRecursively();
+    QFile inTheWay(cachePath("tesmor")); // a file where the folder should be
+    EXPECT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    fuses("a.png");
+    EXPECT_EQ(names(), QStringList({"a.png", "b.png", "fused.png"}));
+}
+
 } // namespace
 
 } // namespace tesmor::test

@@ -50,9 +50,12 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(DESCRIPTION);
     parser.addOptions({
-        {{"o", "output"}, "Write the files to the folder DIR, which is created if necessary.", "DIR", "tesmor-demo"},
-        {"seed", "The number of the specimen; every N gives a different one.", "N", "1"},
-        {"magnification", "Magnification of the objective: " + magnificationList() + ".", "M", "10"},
+        {{"o", "output"},
+         "Write the files to the folder DIR, which is created if necessary. Default: tesmor-demo.",
+         "DIR",
+         "tesmor-demo"},
+        {"seed", "The number of the specimen; every N gives a different one. Default: 1.", "N", "1"},
+        {"magnification", "Magnification of the objective: " + magnificationList() + ". Default: 10.", "M", "10"},
         {"offset",
          "Start this many motor steps forward of the best focus; negative: on its reverse side. Default: three depths "
          "of "
