@@ -1,4 +1,4 @@
-# What `cmake --install` puts where. Components: runtime (the library), development, command.
+# What `cmake --install` puts where. Components: runtime (the library), development, command, python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 

@@ -1,5 +1,6 @@
 # `cmake --build build/release --target package` makes, in the build's folder packages:
-#   for Debian: libtesmor0 (the library), libtesmor-dev (what a viewer's developer needs), tesmor (the command)
+#   for Debian: libtesmor0 (the library), libtesmor-dev (what a viewer's developer needs), tesmor (the command),
+#   python3-tesmor (the Python module)
 #   for Windows: a zip with the DLL, its import library, the headers and FFTW's DLL
 set(CPACK_PACKAGE_NAME tesmor)
 set(CPACK_PACKAGE_VENDOR "The tesmor developers")
@@ -18,6 +19,9 @@ endif()
 set(CPACK_COMPONENTS_ALL runtime development)
 if(TARGET tesmor_command)
   list(APPEND CPACK_COMPONENTS_ALL command)
+endif()
+if(TARGET tesmor_python)
+  list(APPEND CPACK_COMPONENTS_ALL python)
 endif()
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -47,6 +51,19 @@ set(CPACK_COMPONENT_COMMAND_DEPENDS runtime)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION
   "Merges focus stacks, turns the focus of a microscope camera by hand, and
 simulates a microscope for those who have none at hand.")
+
+if(TARGET tesmor_python)
+  math(EXPR nextMinor "${Python_VERSION_MINOR} + 1")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-tesmor)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${nextMinor}), python3-numpy")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/python/debian/postinst ${PROJECT_SOURCE_DIR}/python/debian/prerm)
+  set(CPACK_COMPONENT_PYTHON_DEPENDS runtime)
+  set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "Automatic focusing, focus stacks and their fusion in Python, on NumPy arrays.")
+endif()
 
 if(WIN32)
   install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT runtime)
