@@ -10,13 +10,13 @@ _tesmor()
         --magnification) words="4 10 20 40 60 80 100" ;;
         --size) words="640x480 1280x960 1920x1440" ;;
         --unit) words="0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15" ;;
-        --offset | --fps | --seed | --slices | --spacing) return ;;
+        --offset | --fps | --drift | --breathing | --seed | --slices | --spacing) return ;;
         *)
             case ${COMP_WORDS[1]} in
                 demo) words="--output --seed --magnification --offset --slices --spacing --planes --help" ;;
                 devices) words="--json --help" ;;
                 fuse) words="--output --quiet --json --help" ;;
-                microscope) words="--magnification --offset --size --fps --seed --unit --help" ;;
+                microscope) words="--magnification --offset --size --fps --drift --breathing --seed --unit --help" ;;
                 move) words="--virtual --json --help" ;;
             esac
             ;;

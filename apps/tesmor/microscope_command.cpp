@@ -53,6 +53,11 @@ void addOptions(QCommandLineParser& parser)
          "STEPS", "-1000"},
         {"size", "Size of the frames in pixels. Default: 640x480.", "WIDTHxHEIGHT", "640x480"},
         {"fps", "Frames per second. Default: 30.", "F", "30"},
+        {"drift",
+         "Let the picture wander, within some seconds up to this many pixels to each side, 0 to 64. Default: 0.",
+         "PIXELS", "0"},
+        {"breathing", "Let the picture grow by this many percent with each depth of field, -1 to 1. Default: 0.",
+         "PERCENT", "0"},
         {"seed", "The number of the specimen; every N gives a different one. Default: 1.", "N", "1"},
         {"unit", "Unit number of the drive, 0 to 15; the library uses the lowest one. Default: 0.", "U", "0"},
     });
@@ -75,6 +80,8 @@ microscope::Settings settingsOf(const QCommandLineParser& parser)
     settings.startOffset = integerOf("--offset", parser.value("offset"), -MOST_STEPS, MOST_STEPS);
     setSize(settings, parser.value("size"));
     settings.framesPerSecond = numberOf("--fps", parser.value("fps"), 0.1, 1000);
+    settings.motion.drift = numberOf("--drift", parser.value("drift"), 0, 64);
+    settings.motion.breathing = numberOf("--breathing", parser.value("breathing"), -1, 1) / 100;
     settings.seed = static_cast<std::uint64_t>(
         integerOf("--seed", parser.value("seed"), 0, std::numeric_limits<std::int64_t>::max()));
     settings.unit = static_cast<unsigned>(integerOf("--unit", parser.value("unit"), 0, 15));

@@ -49,20 +49,22 @@ void showRow(const Picture& picture, const Warp& warp, std::int32_t row, std::sp
         return;
     }
     constexpr float highest = 255 * LEVELS_PER_GREY;
+    const std::size_t stride = 3 * static_cast<std::size_t>(picture.width + 2 * picture.margin);
     const double middleX = (picture.width - 1) / 2.0;
     const double middleY = (picture.height - 1) / 2.0;
     const Point first = warp.stillAt({-middleX, row - middleY});
     const Point second = warp.stillAt({1 - middleX, row - middleY});
     for (std::int32_t column = 0; column < picture.width; ++column) {
-        const double x = first.x + column * (second.x - first.x) + middleX;
-        const double y = first.y + column * (second.y - first.y) + middleY;
-        const auto across = cubicWeights(static_cast<float>(x - std::floor(x)));
-        const auto down = cubicWeights(static_cast<float>(y - std::floor(y)));
-        const auto left = 3 * static_cast<std::size_t>(static_cast<std::int32_t>(std::floor(x)) - 1 + picture.margin);
-        const auto top = static_cast<std::int32_t>(std::floor(y)) - 1;
+        // From the picture's corner; never negative.
+        const double x = first.x + column * (second.x - first.x) + middleX + picture.margin;
+        const double y = first.y + column * (second.y - first.y) + middleY + picture.margin;
+        const auto wholeX = static_cast<std::size_t>(x);
+        const auto wholeY = static_cast<std::size_t>(y);
+        const auto across = cubicWeights(static_cast<float>(x - static_cast<double>(wholeX)));
+        const auto down = cubicWeights(static_cast<float>(y - static_cast<double>(wholeY)));
+        const std::uint16_t* from = picture.levels.data() + stride * (wholeY - 1) + 3 * (wholeX - 1);
         std::array<float, 3> sums{};
-        for (std::size_t i = 0; i < 4; ++i) {
-            const std::uint16_t* const from = picture.row(top + static_cast<std::int32_t>(i)).data() + left;
+        for (std::size_t i = 0; i < 4; ++i, from += stride) {
             for (std::size_t c = 0; c < 3; ++c)
                 sums[c] += down[i] * (across[0] * from[c] + across[1] * from[3 + c] + across[2] * from[6 + c] +
                                       across[3] * from[9 + c]);
