@@ -29,7 +29,6 @@ Settings checkedSettings(Settings settings)
     require(settings.motion.turn >= 0 && settings.motion.turn <= 5, "turn must be 0 to 5 degrees");
     require(settings.timeScale >= 0, "time scale must not be negative");
     require(settings.motor.stepsPerSecond >= 0, "motor speed must not be negative");
-    require(settings.motor.backlash >= 0, "backlash must not be negative");
     require(settings.motor.lowEnd <= settings.motor.highEnd, "the low end stop must not lie above the high one");
     if (settings.photos && !settings.photos->images.empty()) {
         settings.width = settings.photos->images.front().width;

@@ -7,26 +7,19 @@
 namespace tesmor::microscope {
 
 Motor::Motor(const MotorSettings& settings, TimeScale timeScale, std::int64_t position)
-    : settings_(settings),
-      timeScale_(timeScale), start_{std::clamp(position, settings.lowEnd, settings.highEnd), settings.backlash}
+    : settings_(settings), timeScale_(timeScale), start_(std::clamp(position, settings.lowEnd, settings.highEnd))
 {
 }
 
-Motor::State Motor::turned(State from, std::int64_t displacement) const
+std::int64_t Motor::positionAt(Clock::time_point now) const
 {
-    const std::int64_t slack = std::clamp(from.slack + displacement, std::int64_t{0}, settings_.backlash);
-    const std::int64_t focus = from.focus + displacement - (slack - from.slack);
-    return {std::clamp(focus, settings_.lowEnd, settings_.highEnd), slack};
-}
-
-Motor::State Motor::stateAt(Clock::time_point now) const
-{
-    if (now >= endTime_)
-        return turned(start_, displacement_);
-    const std::chrono::duration<double> elapsed = now - startTime_;
-    const std::chrono::duration<double> whole = endTime_ - startTime_;
-    const double share = std::max(0.0, elapsed / whole);
-    return turned(start_, std::llround(share * static_cast<double>(displacement_)));
+    std::int64_t displacement = displacement_;
+    if (now < endTime_) {
+        const std::chrono::duration<double> elapsed = now - startTime_;
+        const std::chrono::duration<double> whole = endTime_ - startTime_;
+        displacement = std::llround(std::max(0.0, elapsed / whole) * static_cast<double>(displacement));
+    }
+    return std::clamp(start_ + displacement, settings_.lowEnd, settings_.highEnd);
 }
 
 Clock::time_point Motor::move(std::int64_t displacement, std::int64_t missedSteps, Clock::time_point now)
@@ -35,7 +28,7 @@ Clock::time_point Motor::move(std::int64_t displacement, std::int64_t missedStep
     const std::int64_t steps = std::abs(displacement);
     const double seconds = settings_.stepsPerSecond == 0 ? 0 : static_cast<double>(steps) / settings_.stepsPerSecond;
     const std::int64_t turning = steps - std::min(steps, missedSteps);
-    start_ = stateAt(now);
+    start_ = positionAt(now);
     displacement_ = displacement < 0 ? -turning : turning;
     startTime_ = now;
     endTime_ = now + timeScale_.realTime(seconds);
@@ -51,13 +44,13 @@ bool Motor::isMoving(Clock::time_point now) const
 std::int64_t Motor::position(Clock::time_point now) const
 {
     std::lock_guard guard(mutex_);
-    return stateAt(now).focus;
+    return positionAt(now);
 }
 
 void Motor::place(std::int64_t position)
 {
     std::lock_guard guard(mutex_);
-    start_.focus = std::clamp(position, settings_.lowEnd, settings_.highEnd);
+    start_ = std::clamp(position, settings_.lowEnd, settings_.highEnd);
     displacement_ = 0;
     endTime_ = startTime_;
 }

@@ -1,5 +1,4 @@
-// The focus motor. Positions are motor steps, positive forward; the focus follows the motor with the backlash of its
-// gear. Any thread.
+// The focus motor. Positions are motor steps, positive forward. Any thread.
 #pragma once
 
 #include <chrono>
@@ -25,7 +24,6 @@ struct TimeScale {
 
 struct MotorSettings {
     double stepsPerSecond = 51200;  // 0: moves take no time
-    std::int64_t backlash = 0;      // steps that turn nothing after each change of direction
     std::int64_t lowEnd = -2000000; // end stops, motor steps; a move ends there and its other steps are lost
     std::int64_t highEnd = 2000000;
 };
@@ -39,25 +37,19 @@ public:
     Clock::time_point move(std::int64_t displacement, std::int64_t missedSteps, Clock::time_point now);
 
     bool isMoving(Clock::time_point now) const;
-    std::int64_t position(Clock::time_point now) const; // of the focus
+    std::int64_t position(Clock::time_point now) const;
 
     // Puts the focus there, within the end stops, and ends a move that is under way.
     void place(std::int64_t position);
 
 private:
-    struct State {
-        std::int64_t focus;
-        std::int64_t slack; // steps that the motor has to go in reverse before the focus follows, 0 to the backlash
-    };
-
-    State turned(State from, std::int64_t displacement) const;
-    State stateAt(Clock::time_point now) const;
+    std::int64_t positionAt(Clock::time_point now) const;
 
     const MotorSettings settings_;
     const TimeScale timeScale_;
 
     mutable std::mutex mutex_; // guards what follows
-    State start_;              // of the last move
+    std::int64_t start_;       // of the last move
     std::int64_t displacement_ = 0;
     Clock::time_point startTime_{};
     Clock::time_point endTime_{};

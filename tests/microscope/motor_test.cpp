@@ -20,9 +20,7 @@ TEST(Motor, EndsWhereItsMechanicsLetIt)
 {
     const Case cases[] = {
         {"free", {}, 0, {100, -30, 0, -200}, {100, 70, 70, -130}},
-        {"backlash", {.backlash = 10}, 0, {100, -30, -5, 4, -4, 30}, {100, 80, 75, 75, 75, 95}},
         {"end stops", {.lowEnd = -50, .highEnd = 50}, 0, {80, -20, -200, 10}, {50, 30, -50, -40}},
-        {"end stop with backlash", {.backlash = 10, .highEnd = 50}, 0, {80, -20}, {50, 40}},
         {"missed steps", {}, 7, {100, -30, 5, -5}, {93, 70, 70, 70}},
     };
     for (const Case& each : cases) {
