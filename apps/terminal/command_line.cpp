@@ -3,7 +3,9 @@
 #include "terminal/errors.h"
 
 #include <QJsonDocument>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace tesmor::apps {
@@ -52,6 +54,15 @@ double numberOf(const QString& what, const QString& text, double least, double m
     if (!isNumber || !(number >= least && number <= most))
         throw rangeError(what, text, least, most);
     return number;
+}
+
+QSize sizeOf(const QString& text)
+{
+    const auto match = QRegularExpression("^(\\d{1,5})x(\\d{1,5})$").match(text);
+    const QSize size(match.captured(1).toInt(), match.captured(2).toInt());
+    if (std::min(size.width(), size.height()) < 64 || std::max(size.width(), size.height()) > 16384)
+        throw UsageError(QString("--size is '%1'; it must look like 640x480, each number from 64 to 16384").arg(text));
+    return size;
 }
 
 void printJson(const QJsonObject& object)

@@ -3,6 +3,7 @@
 
 #include <QCommandLineParser>
 #include <QJsonObject>
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -20,6 +21,9 @@ void refuseArguments(const QCommandLineParser& parser);
 // of range.
 std::int64_t integerOf(const QString& what, const QString& text, std::int64_t least, std::int64_t most);
 double numberOf(const QString& what, const QString& text, double least, double most);
+
+// What --size says: WIDTHxHEIGHT of a simulated camera's frames, pixels. Throws UsageError likewise.
+QSize sizeOf(const QString& text);
 
 // One line on standard output, for scripts.
 void printJson(const QJsonObject& object);

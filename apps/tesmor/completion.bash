@@ -13,7 +13,7 @@ _tesmor()
         --offset | --fps | --drift | --breathing | --seed | --slices | --spacing) return ;;
         *)
             case ${COMP_WORDS[1]} in
-                demo) words="--output --seed --magnification --offset --slices --spacing --planes --help" ;;
+                demo) words="--output --seed --magnification --offset --slices --spacing --size --planes --help" ;;
                 devices) words="--json --help" ;;
                 fuse) words="--output --quiet --json --help" ;;
                 microscope) words="--magnification --offset --size --fps --drift --breathing --seed --unit --help" ;;

@@ -7,7 +7,6 @@
 #include "terminal/interrupt.h"
 
 #include <QCoreApplication>
-#include <QRegularExpression>
 
 #include <unistd.h>
 
@@ -63,22 +62,15 @@ void addOptions(QCommandLineParser& parser)
     });
 }
 
-void setSize(microscope::Settings& settings, const QString& text)
-{
-    const auto match = QRegularExpression("^(\\d{1,5})x(\\d{1,5})$").match(text);
-    if (!match.hasMatch())
-        throw UsageError(QString("--size is '%1'; it must look like 640x480").arg(text));
-    settings.width = match.captured(1).toInt();
-    settings.height = match.captured(2).toInt();
-}
-
 microscope::Settings settingsOf(const QCommandLineParser& parser)
 {
     constexpr auto MOST_STEPS = static_cast<int>(microscope::MotorSettings{}.highEnd);
     microscope::Settings settings;
     settings.magnification = parseMagnification(parser.value("magnification"));
     settings.startOffset = integerOf("--offset", parser.value("offset"), -MOST_STEPS, MOST_STEPS);
-    setSize(settings, parser.value("size"));
+    const QSize size = sizeOf(parser.value("size"));
+    settings.width = size.width();
+    settings.height = size.height();
     settings.framesPerSecond = numberOf("--fps", parser.value("fps"), 0.1, 1000);
     settings.motion.drift = numberOf("--drift", parser.value("drift"), 0, 64);
     settings.motion.breathing = numberOf("--breathing", parser.value("breathing"), -1, 1) / 100;

@@ -58,8 +58,8 @@ double numberIn(const QString& text, const QString& pattern)
 
 TEST_F(DemoTest, FocusesAndMergesTheSpecimen)
 {
-    const CommandResult result =
-        run("demo", {"--magnification", "100", "--slices", "5", "--spacing", "10", "--output", "out"});
+    const CommandResult result = run(
+        "demo", {"--magnification", "100", "--size", "320x240", "--slices", "5", "--spacing", "10", "--output", "out"});
     ASSERT_EQ(result.status, 0) << qPrintable(result.errors);
     EXPECT_TRUE(result.output.contains("simulated"));
     EXPECT_TRUE(result.output.contains("within one depth of field: yes")) << qPrintable(result.output);
@@ -110,6 +110,7 @@ TEST_F(DemoTest, SaysWhatIsWrong)
         {{"extra"}, 2, "unexpected argument 'extra'"},
         {{"--magnification", "5"}, 2, "--magnification is '5'; it must be 4, 10, 20, 40, 60, 80 or 100"},
         {{"--magnification", "4", "--spacing", "328"}, 2, "--spacing is '328'; it must be a number from 1 to 327"},
+        {{"--size", "640*480"}, 2, "--size is '640*480'; it must look like 640x480"},
         {{"--offset", "far"}, 2, "--offset is 'far'"},
         {{"--planes", "missing"}, 1, "missing: no such folder"},
         {{"--planes", "empty"}, 1, "empty: contains none of the 2"},
@@ -144,7 +145,7 @@ TEST_F(DemoTest, EndsWhenInterrupted)
     for (const auto& [signal, moment] : {std::pair{SIGINT, "Focusing:"}, {SIGTERM, "Capturing:"}}) {
         QProcess process;
         process.setWorkingDirectory(path(""));
-        process.start(TESMOR_COMMAND, {"demo", "--magnification", "4", "--output", "out"});
+        process.start(TESMOR_COMMAND, {"demo", "--magnification", "4", "--size", "320x240", "--output", "out"});
         for (const QDeadlineTimer limit(LIMIT_MS); !process.peek(10'000).contains(moment);)
             ASSERT_FALSE(limit.hasExpired() || process.waitForFinished(1))
                 << qPrintable(process.readAllStandardError());

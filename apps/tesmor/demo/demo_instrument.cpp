@@ -20,6 +20,8 @@ microscope::Settings settingsFor(const DemoOptions& options, LiveLine::Style sty
     microscope::Settings settings;
     settings.seed = options.seed;
     settings.magnification = options.magnification;
+    settings.width = options.size.width();
+    settings.height = options.size.height();
     if (options.planes) {
         const auto distance = static_cast<double>(stepsPerPlane(options.magnification));
         settings.photos = microscope::PhotoPlanes{readPlanes(*options.planes, style), distance};

@@ -66,6 +66,8 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
          "Distance between slices in spacing units of the objective (" + spacingUnitList() +
              "). Default: about half a depth of field.",
          "N"},
+        {"size", "Size of the frames in pixels; photographs keep theirs. Default: 1280x960.", "WIDTHxHEIGHT",
+         "1280x960"},
         {"planes", "Use the photographs in the folder DIR as the planes of the specimen, in the order of their names.",
          "DIR"},
     });
@@ -82,6 +84,7 @@ std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
     options.offset = optionalInteger(parser, "offset", -LARGEST_OFFSET, LARGEST_OFFSET);
     options.slices = optionalInteger(parser, "slices", 1, MOST_FUSED_IMAGES);
     options.spacing = optionalInteger(parser, "spacing", 1, LARGEST_MOVE / stepsPerUnit(options.magnification));
+    options.size = sizeOf(parser.value("size"));
     if (parser.isSet("planes"))
         options.planes = parser.value("planes");
     return options;

@@ -1,6 +1,7 @@
 // The command line of `tesmor demo`.
 #pragma once
 
+#include <QSize>
 #include <QString>
 #include <QStringList>
 
@@ -16,6 +17,7 @@ struct DemoOptions {
     std::optional<int> offset;  // motor steps, of the start from the best focus
     std::optional<int> slices;  // 1 to 128
     std::optional<int> spacing; // units of the objective, 1 or more; at most LARGEST_MOVE motor steps
+    QSize size;                 // of a frame, pixels; photographs keep theirs
     std::optional<QString> planes;
 };
 
