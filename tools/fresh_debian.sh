@@ -1,8 +1,7 @@
-# Sourced by what tries things on a Debian 12 that has nothing: an empty one in the folder $debian, which goes at the end.
-# Needs root and the network.
+# To be sourced: an empty Debian 12 in the folder $debian, removed at the end. Needs root and the network.
 
 make_debian() {
-    [[ $(id -u) -eq 0 ]] || { echo "${0##*/}: an empty Debian is made by root only" >&2; exit 1; }
+    [[ $(id -u) -eq 0 ]] || { echo "${0##*/}: only root can create an empty Debian" >&2; exit 1; }
     "$(dirname "${BASH_SOURCE[0]}")/setup" packages
     debian=$(mktemp -d)
     trap 'rm -rf --one-file-system "$debian" "$debian.log"' EXIT
@@ -14,8 +13,8 @@ make_debian() {
 }
 
 # Runs a command there as root: in_debian [--offline] COMMAND...
-# Nothing of this machine is there but its kernel and, unless offline, its network. What it mounts and what it leaves
-# running end with it, also when it fails or is killed: they live in namespaces of their own.
+# It sees nothing of this machine but the kernel and, unless offline, the network. Mounts and processes that it leaves end
+# with it, even if it fails or is killed: they live in its own namespaces.
 in_debian() {
     local apart=(--mount --uts --ipc --pid --fork --kill-child)
     if [[ $1 == --offline ]]; then
