@@ -172,7 +172,7 @@ void startWorker()
 {
     requireUsable();
     if (!workerStarted && tesmor_init() == 0)
-        throw std::runtime_error("the system has no thread to spare; close other programs");
+        throw std::runtime_error("could not start a thread; close other programs");
     workerStarted = true;
 }
 

@@ -41,10 +41,11 @@ bool isUsable()
 void requireUsable()
 {
     if (use == Use::ENDING)
-        throw std::runtime_error("Python is ending; tesmor takes no more calls");
+        throw std::runtime_error("Python is exiting; tesmor cannot be called any more");
     if (use == Use::FORKED)
-        throw std::runtime_error("tesmor cannot be used in a process made by fork; start it afresh, for example with "
-                                 "multiprocessing.get_context(\"spawn\")");
+        throw std::runtime_error(
+            "tesmor cannot be used in a process created by fork; start a new one, for example with "
+            "multiprocessing.get_context(\"spawn\")");
 }
 
 void requireMainInterpreter()

@@ -1,4 +1,4 @@
-"""Which arrays are pictures."""
+"""Which arrays are images."""
 
 from __future__ import annotations
 
@@ -13,9 +13,9 @@ _WANTED = "it must be height x width x 3 (red, green, blue) or height x width (g
 
 
 def picture(image: Any, name: str) -> Picture:
-    """`image` as an array, not copied if it is one. Raises ValueError, which calls it `name`."""
+    """`image` as an array, not copied if it already is one. Raises ValueError, which refers to it as `name`."""
     if isinstance(image, (str, bytes)) or hasattr(image, "__fspath__"):
-        raise ValueError(f"{name} is a file's name; read the file first, for example with tifffile.imread")
+        raise ValueError(f"{name} is a file name; read the file first, for example with tifffile.imread")
     array = np.asarray(image)
     if array.ndim not in (2, 3) or (array.ndim == 3 and array.shape[2] != 3):
         remedy = ""
@@ -25,12 +25,12 @@ def picture(image: Any, name: str) -> Picture:
             remedy = "; use image[..., 0]"
         elif array.ndim == 3 and array.shape[0] == 3:
             remedy = "; use np.moveaxis(image, 0, -1)"
-        raise ValueError(f"{name} has the shape {array.shape}; {_WANTED}{remedy}")
+        raise ValueError(f"{name} has shape {array.shape}; {_WANTED}{remedy}")
     if array.dtype != np.uint8:
         raise ValueError(
-            f"{name} is of {array.dtype}; it must be of uint8. Scale all images by one range: "
+            f"{name} has dtype {array.dtype}; it must be uint8. Scale all images by the same range: "
             "np.clip((image - low) * (255 / (high - low)), 0, 255).astype(np.uint8)"
         )
     if array.size == 0:
-        raise ValueError(f"{name} has the shape {array.shape}; it has no pixels")
+        raise ValueError(f"{name} has shape {array.shape}; it has no pixels")
     return array

@@ -16,13 +16,13 @@ _Result = TypeVar("_Result")
 
 
 class AsyncSession:
-    """A Session for asyncio: the same commands, to be awaited. They run on threads of the loop's executor.
+    """A Session for asyncio, with the same commands as coroutines. They run on threads of the loop's executor.
 
-    A task that is cancelled in a command aborts it; a motor move under way still ends by itself.
+    Cancelling a task aborts its command; a motor move in progress is still carried out.
     """
 
     def __init__(self) -> None:
-        """Raises RuntimeError when another session is open."""
+        """Raises RuntimeError if another session is open."""
         self._session = Session()
         self._one_at_a_time = asyncio.Lock()
 
@@ -35,31 +35,31 @@ class AsyncSession:
         await self.close()
 
     async def close(self) -> None:
-        """As Session.close."""
+        """Like Session.close."""
         await asyncio.to_thread(self._session.close)
 
     def video(self, frame: ArrayLike) -> None:
-        """As Session.video; not to be awaited. On the camera's thread, not the loop's."""
+        """Like Session.video, and not a coroutine: for the camera's thread, not the loop's."""
         self._session.video(frame)
 
     async def autofocus(self, magnification: int) -> None:
-        """As Session.autofocus."""
+        """Like Session.autofocus."""
         await self._run(self._session.autofocus, magnification)
 
     async def stack(self, magnification: int, count: int, spacing: int = 1) -> list[Picture]:
-        """As Session.stack."""
+        """Like Session.stack."""
         return await self._run(self._session.stack, magnification, count, spacing)
 
     async def move(self, degrees: float) -> None:
-        """As Session.move."""
+        """Like Session.move."""
         await self._run(self._session.move, degrees)
 
     async def capture(self) -> Picture:
-        """As Session.capture."""
+        """Like Session.capture."""
         return await self._run(self._session.capture)
 
     async def stop(self) -> None:
-        """As Session.stop; for another task's command."""
+        """Like Session.stop, for another task's command."""
         await asyncio.to_thread(self._session.stop)
 
     async def _run(self, command: Callable[..., _Result], *arguments: Any) -> _Result:
@@ -74,5 +74,5 @@ class AsyncSession:
             except asyncio.CancelledError:
                 cancellation.set()
                 await asyncio.wait([work])
-                work.exception()  # nobody asks for it any more
+                work.exception()  # so that asyncio does not report it as never retrieved
                 raise

@@ -1,7 +1,7 @@
 """Posts a command to the library and waits for its end.
 
-The library's threads never enter Python: the waiting thread asks twenty times a second, and in between runs what Python has
-to run, such as the handler of Ctrl-C.
+The library's threads never enter Python. Instead, the waiting thread polls twenty times per second, which also lets Python
+run what is pending, such as the handler of Ctrl-C.
 """
 
 from __future__ import annotations
@@ -17,15 +17,15 @@ from ._errors import Aborted, check
 _one_at_a_time = threading.Lock()
 _last_abort: threading.Thread | None = None
 
-# When it is set, the command that was begun in its context is aborted.
+# Once set, aborts the command that was started in its context.
 cancellation: ContextVar[threading.Event] = ContextVar("cancellation", default=threading.Event())
 
 
 def run(post: Callable[[], _native.Command], each_tick: Callable[[_native.Command], None] = lambda command: None) -> _native.Command:
-    """Waits for other threads' commands, posts one, and returns when it has ended well.
+    """Waits for other threads' commands, posts one, and returns when it has succeeded.
 
-    Raises what its result stands for. An exception of `each_tick`, Ctrl-C among them, aborts the command and goes on to the
-    caller, half a second later at most: what the command still needs it keeps, and the next one waits for it.
+    Raises the exception for its result. An exception of `each_tick`, such as Ctrl-C, aborts the command and reaches the
+    caller after half a second at most; the command keeps what it still needs, and the next one waits for it to end.
     """
     global _last_abort
     with _one_at_a_time:
@@ -48,5 +48,5 @@ def run(post: Callable[[], _native.Command], each_tick: Callable[[_native.Comman
 
 
 def _abort() -> None:
-    with contextlib.suppress(RuntimeError):  # Python is ending, which aborts it, too
+    with contextlib.suppress(RuntimeError):  # Python is exiting, which also aborts it
         _native.stop()

@@ -1,10 +1,10 @@
-"""What can go wrong, by the library's result codes."""
+"""Exceptions for the library's result codes."""
 
 from __future__ import annotations
 
 
 class Error(Exception):
-    """What a command can end with. After it the focus stands where it stopped; the next command starts from there."""
+    """A command failed. The focus stays where it stopped, and the next command starts from there."""
 
     words = "The command failed."
 
@@ -13,29 +13,29 @@ class Error(Exception):
 
 
 class MoveFailed(Error):
-    """The motor refused, or never said that it has arrived; or another program has it, or its service has ended."""
+    """The motor refused the move or never reported its end; or another program is using it, or its service has ended."""
 
     words = (
-        "The focus motor does not answer. Check the camera's cable, close other programs that use its motor, and try again."
+        "The focus motor does not respond. Check the camera's cable, close other programs that use the motor, and try again."
     )
 
 
 class Aborted(Error):
-    """`Session.stop`, or the end of the session, has ended the command."""
+    """The command was ended by `Session.stop` or by the end of the session."""
 
-    words = "Cancelled. The focus stays where it was stopped."
+    words = "Cancelled. The focus stays where it stopped."
 
 
 class NoDrive(Error):
-    """No focus drive answers."""
+    """There is no focus drive."""
 
-    words = "No focus motor was found. Connect a camera that has one, and see that its driver is running."
+    words = "No focus motor was found. Connect a camera that has one, and check that its driver is running."
 
 
 class NoFrame(Error):
-    """No frame came through `Session.video` within 4 seconds."""
+    """`Session.video` received no frame within 4 seconds."""
 
-    words = "The camera sends no pictures. Start its live view and try again."
+    words = "The camera is not sending images. Start its live view and try again."
 
 
 _SUCCESS, _STACK_DONE = 0, 1
@@ -44,11 +44,11 @@ _NO_MEMORY = -2
 
 
 def check(result: int) -> None:
-    """Raises what `result` stands for."""
+    """Raises the exception for `result`, if it is a failure."""
     if result == _NO_MEMORY:
         raise MemoryError(
-            "There is not enough memory to merge pictures of this size: about 64 bytes a pixel and 8 MB beside the images, "
-            "and twice as much to start. Close other programs, or choose a smaller size."
+            "There is not enough memory to merge images of this size: it takes about 64 bytes per pixel plus 8 MB in addition to "
+            "the images, and twice as much to start. Close other programs, or choose a smaller size."
         )
     if result not in (_SUCCESS, _STACK_DONE):
         raise _ERRORS[result]

@@ -11,20 +11,20 @@ from ._arrays import Picture
 
 
 class VirtualMicroscope:
-    """A SIMULATED microscope for those who have none at hand: a focus motor, a specimen seen through an objective, a camera.
+    """A SIMULATED microscope, to work without a real one: a focus motor, a specimen seen through an objective, a camera.
 
-    Its focus drive answers like a real one, so a Session finds it. As long as the `with` block lasts, a thread of the camera
-    calls `sink` with each frame:
+    Its focus drive responds like a real one, so a Session finds it. During the `with` block, the camera's thread calls `sink`
+    with each frame:
 
         with tesmor.Session() as session, tesmor.VirtualMicroscope(session.video, magnification=40) as microscope:
             session.autofocus(40)
 
-    What `sink` raises is told to sys.unraisablehook, and the next frame comes all the same.
+    Exceptions from `sink` go to sys.unraisablehook, and do not stop the frames.
 
     Positions are in motor steps, positive forward; 12800 steps are one turn of the motor and 25 micrometres.
     """
 
-    _running: set[VirtualMicroscope] = set()  # not to be collected while their cameras run
+    _running: set[VirtualMicroscope] = set()  # kept alive while their cameras run
 
     def __init__(
         self,
@@ -40,17 +40,17 @@ class VirtualMicroscope:
         time_scale: float = 1.0,
         unit: int = 0,
     ) -> None:
-        """Makes the specimen, which takes some tenths of a second.
+        """Creates the specimen, which takes a few tenths of a second.
 
-        sink: gets each frame, height x width x 3 in the order red, green, blue; a new array each time.
+        sink: receives each frame, height x width x 3 in the order red, green, blue; a new array each time.
         magnification: of the objective: 4, 10, 20, 40, 60, 80 or 100.
-        offset: where the motor stands at first, motor steps forward of the best focus.
-        width, height: of a frame, pixels, at least 64.
-        seed: another number gives another specimen; the same number gives the same one.
+        offset: where the focus starts: motor steps forward of the best focus; negative: on its reverse side.
+        width, height: of the frames, pixels, at least 64.
+        seed: the number of the specimen; every number gives a different one.
         fps: frames per second.
-        noise: grey levels, 0 to 20.
-        time_scale: motor and camera run this many times faster than real; 0: they take no time at all.
-        unit: of the drive, 0 to 15; a session takes the lowest one that is there.
+        noise: standard deviation at full brightness, grey levels, 0 to 20.
+        time_scale: motor and camera run this many times faster than in real time; 0: they take no time at all.
+        unit: number of the drive, 0 to 15; a session uses the lowest one.
 
         Raises ValueError.
         """
@@ -75,25 +75,25 @@ class VirtualMicroscope:
         self.stop()
 
     def start(self) -> None:
-        """Opens the drive and starts the camera. Does nothing when started. Raises OSError when the unit is taken."""
+        """Opens the drive and starts the camera. Does nothing if already started. Raises OSError if the unit is taken."""
         if self not in self._running:
             try:
                 self._native.start(self._sink)
             except OSError as error:
                 raise OSError(
-                    error.errno, f"{error.strerror}: the drive's unit is taken by another service; end that, or choose another unit"
+                    error.errno, f"{error.strerror}: the drive's unit is taken by another drive service; stop that service, or choose another unit"
                 ) from None
             self._running.add(self)
 
     def stop(self) -> None:
-        """Ends drive and camera: the sink is not called any more. Not from the sink. May be called again."""
+        """Stops drive and camera; the sink is not called after this. Never call it from the sink. May be called again."""
         if self in self._running:
             self._native.stop()
             self._running.discard(self)
 
     @property
     def position(self) -> int:
-        """Of the focus now, in the middle of a move too. Setting it is turning the focus by hand."""
+        """Of the focus now, even during a move. Setting it turns the focus as if by hand."""
         return self._native.position()
 
     @position.setter
@@ -102,12 +102,12 @@ class VirtualMicroscope:
 
     @property
     def best_focus(self) -> float:
-        """The truth: the position whose view comes closest to the sharp picture in the middle of the field."""
+        """The truth: the position whose view is closest to the sharp image in the middle of the field."""
         return self._native.best_focus()
 
     @property
     def depth_of_field(self) -> float:
-        """Of the objective, in all: half of it on either side of the best focus."""
+        """Of the objective: the whole of it, half on either side of the best focus."""
         return self._native.depth_of_field()
 
     @property
@@ -117,7 +117,7 @@ class VirtualMicroscope:
 
     @property
     def height_map(self) -> NDArray[np.float32]:
-        """For each pixel the position where it is in focus, height x width."""
+        """For each pixel, the position where it is in focus; height x width."""
         return self._native.height_map()
 
     def __repr__(self) -> str:

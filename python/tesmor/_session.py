@@ -12,27 +12,27 @@ from . import _commands, _native
 from ._arrays import Picture, picture
 from ._errors import NoFrame
 
-_LONGEST_MOVE_DEGREES = 1843.2  # a longer one wraps round in the drive
-_CAPTURE_LIMIT_SECONDS = 5.0  # one that has failed by then says nothing
+_LONGEST_MOVE_DEGREES = 1843.2  # a longer one wraps around in the drive
+_CAPTURE_LIMIT_SECONDS = 5.0  # a failed capture reports nothing
 
 
 class Session:
     """A microscope camera with its focus drive. One at a time in a process.
 
-    The camera's thread calls `video` for every frame; any other thread gives commands, which return when they have ended and
-    raise what they have ended with. Of several threads that give commands one proceeds and the others wait. Ctrl-C in a
-    command aborts it and raises KeyboardInterrupt within a second; a motor move under way still ends by itself.
+    The camera's thread calls `video` for every frame. Any other thread gives commands, which return when they are done and
+    raise an exception when they fail. If several threads give commands, one proceeds and the others wait. Ctrl-C aborts a
+    command and raises KeyboardInterrupt within a second; a motor move in progress is still carried out.
 
-    `close`, or the end of the `with` block, aborts what runs and gives the drive back to other programs.
+    `close`, or the end of the `with` block, aborts the running command and releases the drive for other programs.
     """
 
     _open: weakref.ref[Session] | None = None
 
     def __init__(self) -> None:
-        """Raises RuntimeError when another session is open."""
+        """Raises RuntimeError if another session is open."""
         other = Session._open and Session._open()
         if other is not None and not other._closed:
-            raise RuntimeError("another tesmor.Session is open, and a process can have one; end that first, with close()")
+            raise RuntimeError("another tesmor.Session is open, and a process can have only one; close it first with close()")
         self._closed = False
         Session._open = weakref.ref(self)
 
@@ -43,19 +43,19 @@ class Session:
         self.close()
 
     def close(self) -> None:
-        """Aborts what runs, and gives the drive back. May be called again."""
+        """Aborts the running command and releases the drive. May be called again."""
         if not self._closed:
             self._closed = True
             _native.release()
 
     def video(self, frame: ArrayLike) -> None:
-        """Hands one live frame over. Call it for every frame, always from the camera's thread.
+        """Passes on one live frame. Call it for every frame, always from the camera's thread.
 
-        frame: array of uint8, height x width x 3 in the order red, green, blue, or height x width in grey. It is not kept. A
-            frame that no command waits for costs next to nothing; others are copied, unless they are a contiguous array in the
-            order blue, green, red seen as `bgr[..., ::-1]`, of a width that is a multiple of 4.
+        frame: array of uint8, height x width x 3 in the order red, green, blue, or height x width in grey. It is not kept. While
+            no command is waiting for a frame, a call costs next to nothing. Otherwise the frame is copied, unless it is a view
+            `bgr[..., ::-1]` of a contiguous array in the order blue, green, red, with a width that is a multiple of 4.
 
-        After a motor move the very next frame is used: hand over the camera's newest one and throw older ones away.
+        After a motor move the very next frame is used: pass on only the camera's newest frame and drop older ones.
 
         Raises ValueError. Does nothing once the session is closed.
         """
@@ -64,9 +64,9 @@ class Session:
             _native.video(array)
 
     def autofocus(self, magnification: int) -> None:
-        """Drives the focus to the sharpest position near the present one, up to a few turns either way.
+        """Drives the focus to the sharpest position near the current one, up to a few turns either way.
 
-        magnification: of the objective: 4, 10, 20, 40, 60, 80 or 100; any other value up to 65535 gets a middling search range.
+        magnification: of the objective: 4, 10, 20, 40, 60, 80 or 100; any other value up to 65535 gets a medium search range.
 
         Raises MoveFailed, Aborted, NoDrive, NoFrame, ValueError.
         """
@@ -75,16 +75,16 @@ class Session:
         _commands.run(lambda: _native.start_autofocus(magnification))
 
     def stack(self, magnification: int, count: int, spacing: int = 1) -> list[Picture]:
-        """Moves the focus by one spacing and takes the next frame, `count` times; then drives the focus back.
+        """Moves the focus by one spacing and captures the next frame, `count` times; then drives the focus back.
 
-        The start position itself is not taken. After an error the focus stays where the run stopped.
+        The start position itself is not captured. After an error the focus stays where it stopped.
 
         magnification: of the objective; sets the motor steps of one unit of spacing: 4: 200, 10: 120, 20: 96, 40, 60 and
             100: 48, any other: 100. 12800 steps are one turn.
         count: number of frames, 0 to 65535.
-        spacing: units between two frames; negative: in reverse.
+        spacing: units from one frame to the next; negative: in reverse.
 
-        Returns the frames in the shape that the camera gave them.
+        Returns the frames in the shape in which the camera delivered them.
 
         Raises MoveFailed, Aborted, NoDrive, NoFrame, ValueError, MemoryError.
         """
@@ -95,7 +95,7 @@ class Session:
         return _commands.run(lambda: _native.start_stack(magnification, count, spacing)).take_frames()
 
     def move(self, degrees: float) -> None:
-        """Turns the focus and returns when the motor has stopped. `stop` does not end it.
+        """Turns the focus and returns when the motor has stopped. `stop` does not abort it.
 
         degrees: positive forward, less than 1843.2 (5.12 turns) either way; one motor step is 0.028125.
 
@@ -109,7 +109,7 @@ class Session:
         _commands.run(lambda: _native.start_move(degrees))
 
     def capture(self) -> Picture:
-        """Returns the next frame, in the shape that the camera gave it.
+        """Returns the next frame, in the shape in which the camera delivered it.
 
         Raises Aborted, NoFrame, MemoryError.
         """
@@ -129,11 +129,11 @@ class Session:
         return _commands.run(post, give_up).take_frames()[0]
 
     def stop(self) -> None:
-        """Aborts the command of another thread, which raises Aborted there; returns when it has ended.
+        """Aborts another thread's command, which raises Aborted there; returns when it has ended.
 
-        A wait for a frame ends within 0.13 seconds, a fusion with the step in hand, a motor move by itself: in 7.7 seconds at
-        most, 17.7 with a drive that barely answers. The way back of a stack and `move` are not aborted. The focus stays where
-        it is.
+        A wait for a frame ends within 0.13 seconds, a fusion after its current step, and a motor move when it is complete: after
+        7.7 seconds at most, 17.7 with a drive that barely responds. A stack's return to its start and `move` are not aborted.
+        The focus stays where it is.
         """
         _native.stop()
 

@@ -48,9 +48,9 @@ def test_every_layout_gives_what_the_c_interface_gives(shape):
 @pytest.mark.parametrize("images, words", [
     ([], "no images"),
     (np.zeros((9, 9, 3), np.uint8), "list of images"),
-    (slices(2, 9, 9, 3) + slices(1, 9, 8, 3), r"images\[2\] has the shape \(9, 8, 3\), images\[0\] \(9, 9, 3\)"),
-    (slices(1, 9, 9, 3) + slices(1, 9, 9), r"images\[1\] has the shape \(9, 9\)"),
-    ([np.zeros((9, 9), np.uint16)], r"images\[0\] is of uint16; .*Scale"),
+    (slices(2, 9, 9, 3) + slices(1, 9, 8, 3), r"images\[2\] has shape \(9, 8, 3\), images\[0\] \(9, 9, 3\)"),
+    (slices(1, 9, 9, 3) + slices(1, 9, 9), r"images\[1\] has shape \(9, 9\)"),
+    ([np.zeros((9, 9), np.uint16)], r"images\[0\] has dtype uint16; .*Scale"),
     (slices(1, 9, 9, 4), "transparency"),
     (["a.tif"], "read the file"),
     (slices(1, 1, 9, 3), "2 x 2"),
@@ -141,4 +141,4 @@ else:
         refusal, result, fork = child(program, first)
         assert "ImportError" in refusal and "main interpreter only" in refusal
         assert result == "0"
-        assert "made by fork" in fork
+        assert "created by fork" in fork

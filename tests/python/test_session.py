@@ -73,7 +73,7 @@ def test_every_failure_has_its_exception(session):
         (lambda: session.stack(10, 2, 0.5), ValueError, "spacing is 0.5"),
         (lambda: session.move(float("nan")), ValueError, "angle is nan"),
         (lambda: session.move(-1843.2), ValueError, "less than 1843.2"),
-        (lambda: session.video(FRAME.astype(np.uint16)), ValueError, "the frame is of uint16"),
+        (lambda: session.video(FRAME.astype(np.uint16)), ValueError, "the frame has dtype uint16"),
         (tesmor.Session, RuntimeError, "close"),
         (lambda: tesmor.VirtualMicroscope(width=1), ValueError, "width"),
     ]
