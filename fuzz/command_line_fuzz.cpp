@@ -20,6 +20,7 @@ void makeFolder()
 {
     static const QTemporaryDir folder;
     fuzz::require(folder.isValid() && chdir(qPrintable(folder.path())) == 0, "a folder of our own");
+    qputenv("XDG_CACHE_HOME", folder.path().toLocal8Bit());
     QImage image(4, 3, QImage::Format_BGR888);
     image.fill(Qt::gray);
     fuzz::require(image.save("a.png") && image.save("b.png"), "two images");
