@@ -2,6 +2,8 @@
 
 #include "protocol/central_region.h"
 
+#include <cstddef>
+
 namespace tesmor {
 
 namespace {
@@ -31,7 +33,9 @@ template <class Accumulate>
 void forEachLuminance(const std::uint8_t* image, std::int32_t width, const Region& region, const LumaTables& tables,
                       Accumulate accumulate) noexcept
 {
-    const auto start = [&](std::int32_t k) { return rowStart(image, width, region.top + k) + region.left * 3; };
+    const auto start = [&](std::int32_t k) {
+        return rowStart(image, width, region.top + k) + std::ptrdiff_t{3} * region.left;
+    };
     for (std::int32_t row = 0; row < region.height; ++row) {
         if (row + 1 < region.height)
             fetchAhead(start(row + 1), region.width * 3);

@@ -39,7 +39,7 @@ protected:
 TEST_F(AutofocusTest, EndsWithinOneDepthOfFieldOfTheTruth)
 {
     ASSERT_EQ(tesmor_init(), 1);
-    for (const std::uint16_t magnification : {4, 10, 20, 40, 60, 100}) {
+    for (const std::uint16_t magnification : std::initializer_list<std::uint16_t>{4, 10, 20, 40, 60, 100}) {
         VirtualMicroscope microscope(settings(magnification));
         microscope.start(sink);
         for (const double coarseSteps : {-6.6, 7.3}) {

@@ -115,7 +115,7 @@ TEST(View, AMovingPictureLiesWhereItsWarpSays)
 TEST(View, FocusMeasurePeaksAtTheTruthAndFallsSteadily)
 {
     const LumaTables tables;
-    for (const std::uint16_t magnification : {4, 10, 20, 40, 60, 100}) {
+    for (const std::uint16_t magnification : std::initializer_list<std::uint16_t>{4, 10, 20, 40, 60, 100}) {
         VirtualMicroscope microscope(smallSettings(2, magnification));
         double measure = 0;
         microscope.start([&](const Frame& frame) {

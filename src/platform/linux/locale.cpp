@@ -8,7 +8,7 @@ namespace tesmor::platform {
 
 std::uint32_t ansiCodePage() noexcept
 {
-    const std::string_view characterSet = nl_langinfo(CODESET);
+    const std::string_view characterSet = nl_langinfo(CODESET); // NOLINT(concurrency-mt-unsafe): at load
     if (characterSet == "GB2312" || characterSet == "GBK")
         return 936;
     if (characterSet == "GB18030")
@@ -18,7 +18,7 @@ std::uint32_t ansiCodePage() noexcept
 
 std::uint16_t userLanguageId() noexcept
 {
-    const char* locale = std::setlocale(LC_CTYPE, nullptr);
+    const char* locale = std::setlocale(LC_CTYPE, nullptr); // NOLINT(concurrency-mt-unsafe): at load
     const std::string_view name = locale ? locale : "";
     if (name.starts_with("zh_CN"))
         return 2052;

@@ -15,7 +15,7 @@ void preferLargePages(void* memory, std::size_t bytes) noexcept
     const auto start = reinterpret_cast<std::uintptr_t>(memory);
     const std::uintptr_t firstPage = (start + pageSize - 1) / pageSize * pageSize;
     const std::uintptr_t endPage = (start + bytes) / pageSize * pageSize;
-    madvise(reinterpret_cast<void*>(firstPage), endPage - firstPage, MADV_HUGEPAGE);
+    madvise(static_cast<char*>(memory) + (firstPage - start), endPage - firstPage, MADV_HUGEPAGE);
 }
 
 } // namespace tesmor::platform
