@@ -22,7 +22,7 @@ void refuseArguments(const QCommandLineParser& parser);
 std::int64_t integerOf(const QString& what, const QString& text, std::int64_t least, std::int64_t most);
 double numberOf(const QString& what, const QString& text, double least, double most);
 
-// What --size says: WIDTHxHEIGHT of a simulated camera's frames, pixels. Throws UsageError likewise.
+// The value of --size: WIDTHxHEIGHT of a simulated camera's frames, pixels. Throws UsageError.
 QSize sizeOf(const QString& text);
 
 // One line on standard output, for scripts.

@@ -53,10 +53,10 @@ void addOptions(QCommandLineParser& parser)
         {"size", "Size of the frames in pixels. Default: 640x480.", "WIDTHxHEIGHT", "640x480"},
         {"fps", "Frames per second. Default: 30.", "F", "30"},
         {"drift",
-         "Let the picture wander, within some seconds up to this many pixels to each side, 0 to 64. Default: 0.",
+         "Let the image drift by up to this many pixels to each side within a few seconds, 0 to 64. Default: 0.",
          "PIXELS", "0"},
-        {"breathing", "Let the picture grow by this many percent with each depth of field, -1 to 1. Default: 0.",
-         "PERCENT", "0"},
+        {"breathing", "Let the image grow by this many percent per depth of field, -1 to 1. Default: 0.", "PERCENT",
+         "0"},
         {"seed", "The number of the specimen; every N gives a different one. Default: 1.", "N", "1"},
         {"unit", "Unit number of the drive, 0 to 15; the library uses the lowest one. Default: 0.", "U", "0"},
     });

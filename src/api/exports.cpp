@@ -1,5 +1,5 @@
-// The exported functions. Each posting function writes the fields that stand here and no others; that they differ, also
-// in what they do to runFlag, is part of the contract.
+// The exported functions. Each posting function writes exactly the fields named here; that they differ, also in what
+// they do to runFlag, is part of the contract.
 #include "api/global.h"
 #include "frames/frame_hook.h"
 
@@ -27,7 +27,7 @@ std::int32_t postAbortable(WriteFields writeFields)
     return library.session.post(writeFields, Session::Abortable::yes) ? 1 : 0;
 }
 
-// For commands that never look at runFlag.
+// For commands that never check runFlag.
 template <class WriteFields>
 std::int32_t postUnabortable(WriteFields writeFields)
 {

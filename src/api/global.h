@@ -1,4 +1,4 @@
-// The one library of the process, because the exported functions have no handle to tell several by. For api/ alone.
+// The only library of the process, since the exported functions take no handle. Only for api/.
 #pragma once
 
 #include "api/library.h"

@@ -8,7 +8,7 @@ namespace tesmor {
 
 namespace {
 
-// Room for the library's state that no destructor ever empties: at exit the worker may still be running.
+// Storage for the library's state, which is never destroyed: the worker may still be running at exit.
 union LibraryStorage {
     constexpr LibraryStorage() noexcept : empty{} {}
     ~LibraryStorage() {}

@@ -1,4 +1,4 @@
-// The library's state in a process: one session, its worker, and what the set-up learns of the process.
+// The library's state in a process: one session, its worker, and what set-up learns about the process.
 #pragma once
 
 #include "platform/module.h"
@@ -20,7 +20,7 @@ struct Library {
     platform::ThreadHandle workerHandle = nullptr;
 };
 
-// The set-up: makes the library anew, for the exports to work on from now on. Nothing ever destroys it.
+// Set-up: creates the library that the exports work on from now on. It is never destroyed.
 Library& setUpLibrary(platform::ModuleHandle module, platform::DriveUnits& units, platform::Clock& clock);
 
 // Whether code page and language together say Simplified Chinese.

@@ -1,4 +1,4 @@
-// The open link to the focus motor. It keeps no position: every move is relative.
+// The open link to the focus motor. It tracks no position: every move is relative.
 #pragma once
 
 #include "platform/clock.h"
@@ -19,11 +19,11 @@ inline constexpr int ACK_READS = 5;     // per move, in total
 // Worker thread only; at most one at a time is open. Never throws.
 class FocusDrive {
 public:
-    // Takes the lowest unit that exists and opens. Always yields the object; hasDevice tells whether there is a drive.
-    // A drive that does not answer counts: its moves fail. Units and clock outlive the drive.
+    // Opens the lowest unit that can be opened. Always succeeds; hasDevice tells whether there is a drive. A drive that
+    // does not respond counts as one: its moves fail. Units and clock must outlive the drive.
     FocusDrive(platform::DriveUnits& units, platform::Clock& clock) noexcept;
 
-    // Closes the device, released first where the driver had accepted the opening.
+    // Closes the device, after releasing it if the driver accepted the opening.
     ~FocusDrive();
 
     FocusDrive(const FocusDrive&) = delete;
@@ -34,13 +34,13 @@ public:
         return device_ != nullptr;
     }
 
-    // Moves the motor and waits for its acknowledgement. True when the move was accepted and acknowledged; false after
-    // SEND_ATTEMPTS refusals, or after ACK_READS vain reads of an accepted move, which is never sent again.
-    // Blocks for 5 x 20 ms at most when the driver refuses and 5 x (1500 + 20) ms when no acknowledgement comes, and for
-    // what the driver takes to answer each request (platform/drive_device.h).
+    // Moves the motor and waits for its acknowledgement. Returns true if the move was accepted and acknowledged; false
+    // after SEND_ATTEMPTS refusals, or if ACK_READS reads bring no acknowledgement of an accepted move, which is never
+    // sent again. Blocks for at most 5 x 20 ms if the driver refuses and 5 x (1500 + 20) ms if it does not acknowledge,
+    // plus the driver's time to answer each request (platform/drive_device.h).
     bool move(std::uint16_t steps, bool reverse) noexcept;
 
-    // A signed displacement as a move: the low 16 bits of its size; reverse when it is 0 or negative.
+    // A signed displacement as a move: the low 16 bits of its magnitude; reverse if it is 0 or negative.
     bool moveBy(std::int32_t displacement) noexcept;
 
 private:

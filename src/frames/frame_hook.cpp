@@ -13,8 +13,8 @@ struct Request {
     std::uint32_t wait;
 };
 
-// Request, command and number of the wait are taken at once: a request that its command gives up meanwhile must not be
-// served for the command that is posted next, which takes the lock, too.
+// Request, command and wait number are taken under one lock, as a post takes it, too: a request that its command has
+// given up must not be served for the command posted next.
 std::optional<Request> takeRequest(Session& session) noexcept
 {
     std::lock_guard guard(session.commandLock);

@@ -7,12 +7,12 @@
 
 namespace tesmor {
 
-// Takes the worker's request, if it still stands, and serves it: measures the frame for an autofocus, hands it to the
-// host's FrameCallback for a stack or a capture, then signals frameEvent. An exception of the callback passes through;
-// the worker then goes on waiting.
+// Serves the worker's request, if it is still valid: measures the frame for an autofocus or passes it to the host's
+// FrameCallback for a stack or a capture, then signals frameEvent. An exception of the callback passes through; the
+// worker then keeps waiting.
 void serveFrame(Session& session, const std::uint8_t* image, std::int32_t width, std::int32_t height);
 
-// For every live frame, on the host's video thread. One load while the worker has not asked for a frame.
+// Called for every live frame, on the host's video thread. A single load while the worker is not waiting for a frame.
 inline void handleFrame(Session& session, const std::uint8_t* image, std::int32_t width, std::int32_t height)
 {
     if (session.frameRequest.load(std::memory_order_relaxed) != 0)

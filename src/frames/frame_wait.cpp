@@ -29,7 +29,7 @@ std::int32_t FrameWait::wait()
     session_.frameRequest = 1;
     const std::uint32_t start = clock_.tickMilliseconds();
     while (session_.runFlag != 0) {
-        // The signal may be that of an earlier wait, which gave up while its frame was being served.
+        // The signal may belong to an earlier wait that gave up while its frame was being served.
         if (clock_.waitFor(session_.frameEvent, ABORT_CHECK_MS) && session_.servedWait == thisWait)
             break;
         if (clock_.tickMilliseconds() - start > FRAME_TIMEOUT_MS) {

@@ -12,11 +12,11 @@ struct Session;
 
 class FrameWait final : public Frames {
 public:
-    // Both outlive it.
+    // Both must outlive it.
     FrameWait(Session& session, platform::Clock& clock) noexcept : session_(session), clock_(clock) {}
 
-    // Worker thread only. TESMOR_ABORTED within 128 ms of runFlag falling to 0, at once when it is 0 already;
-    // TESMOR_NO_FRAME when more than 4000 ms have passed, which clears runFlag too.
+    // Worker thread only. TESMOR_ABORTED within 128 ms after runFlag falls to 0, immediately if it already is;
+    // TESMOR_NO_FRAME after more than 4000 ms, which also clears runFlag.
     FrameReply next() override;
 
 private:

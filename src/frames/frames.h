@@ -1,4 +1,4 @@
-// Live frames, as an operation asks for them.
+// Live frames, for the operations.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ struct FrameReply {
 
 class Frames {
 public:
-    // Asks for the next live frame and waits until it has been served. An abort or a time-out ends the whole command.
+    // Asks for the next live frame and waits until it has been served. An abort or a timeout ends the whole command.
     virtual FrameReply next() = 0;
 
 protected:

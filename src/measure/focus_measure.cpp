@@ -15,8 +15,8 @@ const std::uint8_t* rowStart(const std::uint8_t* image, std::int32_t width, std:
     return image + (std::int64_t{row} * width * 24 + 31) / 32 * 4;
 }
 
-// Starts the way of bytes into the cache, where the compiler can say so. The processor does by itself within a row, but
-// the next row lies elsewhere.
+// Prefetches bytes into the cache, where the compiler has a way to. The processor does so itself within a row, but not
+// across rows.
 void fetchAhead(const std::uint8_t* bytes, std::int32_t count) noexcept
 {
     constexpr std::int32_t cacheLine = 64;
@@ -27,8 +27,8 @@ void fetchAhead(const std::uint8_t* bytes, std::int32_t count) noexcept
     }
 }
 
-// One loop a pass: luminance is computed while the sum before it is still on its way, so that a pass costs no more than
-// its chain of additions, and nothing is stored.
+// One loop per pass: luminance is computed while the previous addition is still in progress, so that a pass costs no
+// more than its chain of additions, and nothing is stored.
 template <class Accumulate>
 void forEachLuminance(const std::uint8_t* image, std::int32_t width, const Region& region, const LumaTables& tables,
                       Accumulate accumulate) noexcept

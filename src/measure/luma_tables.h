@@ -1,4 +1,4 @@
-// Luminance per byte value of each colour.
+// Luminance for each byte value of each colour.
 #pragma once
 
 #include <array>

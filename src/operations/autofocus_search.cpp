@@ -34,7 +34,7 @@ public:
     }
 
 private:
-    // Each of these returns whether the search goes on; when it does not, result_ says how it ends.
+    // Each of these returns whether the search continues; if not, result_ is its result.
 
     bool moveBy(std::int32_t displacement)
     {

@@ -8,7 +8,7 @@ namespace tesmor {
 class FocusDrive;
 
 // Turns the focus by `angle` degrees, positive forward. Returns TESMOR_SUCCESS, TESMOR_MOVE_FAILED or TESMOR_NO_DRIVE.
-// The step count must fit 32 bits. Never throws.
+// The step count must fit in 32 bits. Never throws.
 std::int32_t manualMove(FocusDrive& drive, double angle) noexcept;
 
 } // namespace tesmor

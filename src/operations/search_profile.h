@@ -1,4 +1,4 @@
-// How far and how fine the autofocus searches, by objective magnification.
+// Range and step size of the autofocus search, by objective magnification.
 #pragma once
 
 #include <cstdint>

@@ -17,9 +17,9 @@ struct StackPlan {
 };
 
 // Moves the focus by one spacing and waits for the next live frame to reach the host, `sliceCount` times; then drives
-// the focus back in as many moves of the same size. In notify-only mode `onMoved` is called after each move, and no frame
-// waited for. Returns TESMOR_STACK_DONE, TESMOR_MOVE_FAILED, TESMOR_ABORTED (seen by the frame waits alone),
-// TESMOR_NO_DRIVE or TESMOR_NO_FRAME. What `onMoved` throws passes through.
+// the focus back in as many moves of the same size. In notify-only mode, calls `onMoved` after each move and waits for
+// no frame. Returns TESMOR_STACK_DONE, TESMOR_MOVE_FAILED, TESMOR_ABORTED (which only frame waits notice),
+// TESMOR_NO_DRIVE or TESMOR_NO_FRAME. An exception of `onMoved` passes through.
 std::int32_t captureStack(FocusDrive& drive, Frames& frames, const StackPlan& plan,
                           const std::function<void()>& onMoved);
 

@@ -12,7 +12,7 @@
 
 namespace tesmor {
 
-// The members stand in the order in which the load-time set-up makes them.
+// The members are in the order in which set-up creates them at load time.
 struct Session {
     CommandBlock commandBlock{}; // guarded by commandLock
 
@@ -20,7 +20,7 @@ struct Session {
     platform::Event idleEvent{platform::Reset::automatic, true};     // the worker is ready for a post
     platform::Event frameEvent{platform::Reset::automatic, true};    // the hook has served a requested frame
 
-    // Held for short copies and stores only, never across a wait, a move or a callback.
+    // Held only for short copies and stores, never during a wait, a move or a callback.
     platform::Lock commandLock;
 
     LumaTables lumaTables;
@@ -31,8 +31,9 @@ struct Session {
     std::atomic<std::uint32_t> servedWait{0};  // the number of the wait that frameEvent was last set for
     std::atomic<std::int32_t> busyFlag{0};     // what tesmor_doing returns
 
-    // The handshake, the host's side. Waits without limit until the worker is idle, lets `writeFields` fill in the block,
-    // sets runFlag where the command looks at it, and wakes the worker. False when the system failed to.
+    // The host's side of the handshake. Waits without limit until the worker is idle, lets `writeFields` fill in the
+    // block, sets runFlag if the command checks it, and wakes the worker. Returns false if the system failed to wake
+    // it.
     enum class Abortable { no, yes };
     template <class WriteFields>
     bool post(WriteFields writeFields, Abortable abortable)
@@ -47,7 +48,7 @@ struct Session {
         return commandEvent.set();
     }
 
-    // The worker's side: waits without limit for a post and returns a copy of the whole block.
+    // The worker's side: waits without limit for a post, and returns a copy of the whole block.
     CommandBlock waitForCommand() noexcept
     {
         commandEvent.wait();

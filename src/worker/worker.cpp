@@ -45,7 +45,7 @@ void Worker::run() noexcept
         try {
             runCommand(block);
         } catch (...) {
-            // A host callback threw; the scopes that it left are undone, and the worker goes on.
+            // A host callback threw: the stack is unwound, and the worker continues.
         }
         session_.runFlag = 0;
         session_.idleEvent.set();
@@ -111,7 +111,7 @@ void Worker::stack(const CommandBlock& block)
     report(captureStack(drive, frames_, plan, [&] { report(TESMOR_SUCCESS); }));
 }
 
-// The frame hook hands the frame to the host; nobody hears that none came.
+// The frame hook passes the frame to the host; a failure is not reported.
 void Worker::capture(const CommandBlock&)
 {
     frames_.next();

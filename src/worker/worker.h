@@ -1,4 +1,4 @@
-// The worker: takes one command at a time from the session, runs it to its end, reports, goes idle.
+// The worker: takes one command at a time from the session, runs it to its end, reports its result and becomes idle.
 #pragma once
 
 #include "frames/frame_wait.h"
@@ -14,12 +14,12 @@ class FocusDrive;
 
 class Worker {
 public:
-    // All three outlive it.
+    // All three must outlive it.
     Worker(Session& session, platform::DriveUnits& units, platform::Clock& clock) noexcept;
     ~Worker();
 
-    // Runs what is posted, on the calling thread, until CMD_QUIT. An exception from a host's callback ends the command
-    // that called it and goes no further.
+    // Runs posted commands on the calling thread until CMD_QUIT. An exception from a host's callback ends that command
+    // and goes no further.
     void run() noexcept;
 
 private:
