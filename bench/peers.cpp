@@ -46,11 +46,12 @@ struct Runs {
 std::vector<std::string> renderSlices(microscope::VirtualMicroscope& microscope, const Stack& stack, const QDir& folder)
 {
     const auto [low, high] = std::minmax_element(microscope.heightMap().begin(), microscope.heightMap().end());
+    const double spacing = static_cast<double>(*high - *low) / (stack.slices - 1);
     QImage frame;
     microscope.start([&](const microscope::Frame& f) { frame = apps::copyOfFrame(f.pixels, f.width, f.height); });
     std::vector<std::string> files;
     for (int i = 0; i < stack.slices; ++i) {
-        microscope.setPosition(std::llround(*low + (*high - *low) * i / (stack.slices - 1)));
+        microscope.setPosition(std::llround(*low + i * spacing));
         microscope.deliverFrame();
         const QString file = folder.filePath(QString("slice-%1.%2").arg(i + 1, 3, 10, QChar('0')).arg(stack.format));
         if (!frame.save(file, nullptr, file.endsWith("jpg") ? JPEG_QUALITY : -1))
