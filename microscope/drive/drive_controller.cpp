@@ -3,7 +3,6 @@
 #include "microscope/drive/drive_command.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace tesmor::microscope {
@@ -62,9 +61,7 @@ bool DriveController::startMove(std::int64_t displacement, Clock::time_point now
     const bool vanishes = std::exchange(faults_.vanishInMove, false);
     if (vanishes)
         displacement /= 2;
-    const std::int64_t missed = std::clamp<std::int64_t>(faults_.missSteps, 0, std::abs(displacement));
-    faults_.missSteps -= static_cast<int>(missed);
-    const Clock::time_point end = motor_.move(displacement, missed, now);
+    const Clock::time_point end = motor_.move(displacement, now);
     if (vanishes)
         owed_.push_back({end, Event::vanish});
     else if (!use(faults_.withholdAcknowledgements))
@@ -104,12 +101,6 @@ void DriveController::forgetEvents()
 {
     std::lock_guard guard(mutex_);
     owed_.clear();
-}
-
-Faults DriveController::faults() const
-{
-    std::lock_guard guard(mutex_);
-    return faults_;
 }
 
 void DriveController::setFaults(const Faults& faults)

@@ -53,7 +53,6 @@ public:
     // Drops what is owed; to be called when the client has gone. Its move runs on.
     void forgetEvents();
 
-    Faults faults() const;
     void setFaults(const Faults& faults);
     std::vector<LoggedRequest> log() const;
     void clearLog();

@@ -12,7 +12,6 @@ struct Faults {
     int withholdAcknowledgements = 0; // make the next n moves, but never acknowledge them
     int hangRequests = 0;             // carry out the next n requests, but never reply to them
     int rubbishReplies = 0;           // send meaningless packets before each of the next n replies
-    int missSteps = 0;                // the next n steps of the motor turn nothing
 
     // Every move is acknowledged this much after its end. Real time, whatever the time scale.
     std::chrono::milliseconds acknowledgementDelay{0};

@@ -22,14 +22,13 @@ std::int64_t Motor::positionAt(Clock::time_point now) const
     return std::clamp(start_ + displacement, settings_.lowEnd, settings_.highEnd);
 }
 
-Clock::time_point Motor::move(std::int64_t displacement, std::int64_t missedSteps, Clock::time_point now)
+Clock::time_point Motor::move(std::int64_t displacement, Clock::time_point now)
 {
     std::lock_guard guard(mutex_);
-    const std::int64_t steps = std::abs(displacement);
-    const double seconds = settings_.stepsPerSecond == 0 ? 0 : static_cast<double>(steps) / settings_.stepsPerSecond;
-    const std::int64_t turning = steps - std::min(steps, missedSteps);
+    const auto steps = static_cast<double>(std::abs(displacement));
+    const double seconds = settings_.stepsPerSecond == 0 ? 0 : steps / settings_.stepsPerSecond;
     start_ = positionAt(now);
-    displacement_ = displacement < 0 ? -turning : turning;
+    displacement_ = displacement;
     startTime_ = now;
     endTime_ = now + timeScale_.realTime(seconds);
     return endTime_;

@@ -32,9 +32,8 @@ class Motor {
 public:
     Motor(const MotorSettings& settings, TimeScale timeScale, std::int64_t position);
 
-    // Starts a move at `now`, at constant speed, and returns when it will end. Of its steps `missedSteps`, at most all,
-    // take their time but turn nothing. Not while the motor is moving.
-    Clock::time_point move(std::int64_t displacement, std::int64_t missedSteps, Clock::time_point now);
+    // Starts a move at `now`, at constant speed, and returns when it will end. Not while the motor is moving.
+    Clock::time_point move(std::int64_t displacement, Clock::time_point now);
 
     bool isMoving(Clock::time_point now) const;
     std::int64_t position(Clock::time_point now) const;

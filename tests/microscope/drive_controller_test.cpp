@@ -99,7 +99,6 @@ TEST_F(DriveControllerTest, DoesEachFaultAsOftenAsAsked)
         {"refuse all", {.refuseRequests = 1}, "refused 0, accepted a 500, accepted a 1000"},
         {"withhold", {.withholdAcknowledgements = 2}, "accepted 500, accepted 1000, accepted a 1500"},
         {"hang", {.hangRequests = 1}, "none a 500, accepted a 1000, accepted a 1500"},
-        {"miss", {.missSteps = 800}, "accepted a 0, accepted a 200, accepted a 700"},
         {"delay", {.acknowledgementDelay = MOVE_TIME}, "accepted 500, accepted a 1000, accepted a 1500"},
         {"vanish at request", {.vanishAtRequest = true}, "vanish 0, vanish 0, vanish 0"},
         {"vanish before reply", {.vanishBeforeReply = true}, "vanish a 500, vanish 500, vanish 500"},
