@@ -7,6 +7,7 @@
 #include "microscope/drive/windows/handle.h"
 #include "protocol/drive_request.h"
 
+#include <array>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -125,6 +126,18 @@ TEST_F(DriveDeviceTest, AReadThatTimedOutTakesALaterByteForTheNewest)
         EXPECT_TRUE(device->readByte(&completion, 5000));
     }
     EXPECT_FALSE(device->readByte(&completion, 1));
+}
+
+// The driver ends them without a byte while the newest waits, on the event that all of them share.
+TEST_F(DriveDeviceTest, ReadsThatAResetEndsDoNotEndTheNewest)
+{
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_FALSE(device->readByte(&completion, 1));
+        EXPECT_FALSE(device->readByte(&completion, 1));
+        EXPECT_TRUE(device->control(IOCTL_DRIVE_RESET_ACK, std::array<std::uint8_t, 4>{}));
+        moveAcknowledgedAfter(50ms);
+        EXPECT_TRUE(device->readByte(&completion, HOURS_MS));
+    }
 }
 
 TEST_F(DriveDeviceTest, ManyReadsOutliveTheirDeviceAndItsEvent)

@@ -2,6 +2,9 @@
 // acknowledgement read is the only overlapped operation; control requests are synchronous.
 #include "platform/drive_device.h"
 
+#include "platform/clock.h"
+
+#include <algorithm>
 #include <cwchar>
 #include <new>
 
@@ -67,6 +70,15 @@ public:
         return taken;
     }
 
+    // Whether `read` was added and not yet freed.
+    bool contains(const Read* read) const noexcept
+    {
+        const Read* other = first_;
+        while (other && other != read)
+            other = other->next;
+        return other;
+    }
+
     // What its reads bring is of no interest any more.
     void disown(HANDLE device) noexcept
     {
@@ -114,7 +126,15 @@ public:
             return false;
         }
         reads.add(read);
-        return reads.takeByte(file_) || (completion->waitFor(timeoutMs) && reads.takeByte(file_));
+        const std::uint32_t start = systemClock().tickMilliseconds();
+        std::uint32_t waited = 0;
+        while (!reads.takeByte(file_)) {
+            if (!reads.contains(read) || !completion->waitFor(timeoutMs - std::min(waited, timeoutMs)))
+                return false;
+            completion->reset(); // an older read may have ended without a byte: wait on for this one
+            waited = systemClock().tickMilliseconds() - start;
+        }
+        return true;
     }
 
 private:

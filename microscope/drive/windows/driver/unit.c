@@ -22,6 +22,7 @@ NTSTATUS createUnit(PDRIVER_OBJECT driver, ULONG number, Unit** unit)
     setName(&created->link, L"\\DosDevices\\Global\\braskdrv-", number, L"-1010");
     KeInitializeEvent(&created->turn, SynchronizationEvent, TRUE);
     InitializeListHead(&created->reads);
+    InitializeListHead(&created->resetReads);
     *unit = created;
     return status;
 }

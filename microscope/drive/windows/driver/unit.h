@@ -23,7 +23,8 @@ typedef struct Unit {
     BOOLEAN present;
     PFILE_OBJECT client;               /* NULL: nobody has it open, or the link is down */
     ULONG clientNumber;                /* of the last client */
-    LIST_ENTRY reads;                  /* the client's */
+    LIST_ENTRY reads;                  /* the client's, oldest first */
+    LIST_ENTRY resetReads;             /* older ones that a reset is to end, once the next read waits */
     UCHAR kept[KEPT_ACKNOWLEDGEMENTS]; /* acknowledgements that no read has taken, oldest first */
     ULONG keptCount;
 } Unit;
@@ -42,6 +43,9 @@ void closeUnit(Unit* unit, PFILE_OBJECT client);
 NTSTATUS requestFromUnit(Unit* unit, PIRP irp); /* blocks until the service has answered */
 /* STATUS_PENDING: the unit has taken over `irp`; else the caller completes it, with `information`. */
 NTSTATUS readFromUnit(Unit* unit, PIRP irp, PULONG_PTR information);
+
+/* Of a client that asks to reset the acknowledgements: none of its present reads will take one. */
+void resetReads(Unit* unit);
 
 /* Under the lock: ends the reads of the client with `status`, and takes its link down. */
 void dropClient(Unit* unit, NTSTATUS status, PLIST_ENTRY ended);

@@ -72,6 +72,8 @@ static NTSTATUS handOver(Unit* unit, PIRP irp)
     request.code = stack->Parameters.DeviceIoControl.IoControlCode;
     request.length = stack->Parameters.DeviceIoControl.InputBufferLength;
     RtlCopyMemory(request.input, irp->AssociatedIrp.SystemBuffer, request.length);
+    if (request.code == IOCTL_DRIVE_RESET_ACK)
+        resetReads(unit);
     const NTSTATUS status = askService(&unit->serviceLink, &request);
     if (status == STATUS_NO_SUCH_DEVICE)
         removeUnit(unit);

@@ -29,6 +29,7 @@ NTSTATUS readFromUnit(Unit* unit, PIRP irp, PULONG_PTR information)
         status = STATUS_PENDING;
         IoMarkIrpPending(irp);
         putIrp(&unit->reads, irp, &ended);
+        endQueue(&unit->resetReads, STATUS_CANCELLED, &ended);
     }
     releaseLock(irql);
     completeAll(&ended);
@@ -57,9 +58,18 @@ NTSTATUS acknowledge(Unit* unit, const BraskdrvAcknowledgement* acknowledgement)
     return status;
 }
 
+void resetReads(Unit* unit)
+{
+    const KIRQL irql = takeLock();
+    while (!IsListEmpty(&unit->reads))
+        InsertTailList(&unit->resetReads, RemoveHeadList(&unit->reads));
+    releaseLock(irql);
+}
+
 void dropClient(Unit* unit, NTSTATUS status, PLIST_ENTRY ended)
 {
     unit->client = NULL;
     unit->keptCount = 0;
     endQueue(&unit->reads, status, ended);
+    endQueue(&unit->resetReads, status, ended);
 }
