@@ -1,4 +1,4 @@
-// Starting, waiting for and slowing down a thread.
+// Starting a thread and waiting for it.
 #pragma once
 
 #include "native.h"
@@ -14,7 +14,7 @@ using ThreadEntry = std::uint32_t (*)(void* argument);
 using ThreadHandle = NativeThread*;
 
 // Creates a thread that does nothing until it is resumed. Does not block. Null when the system could not create it.
-// On Linux the thread blocks the signals of its process, so that the host's handlers never run on it.
+// On Linux the thread blocks the signals of its process, so that the host's handlers do not run on it.
 ThreadHandle createSuspendedThread(ThreadEntry entry) noexcept;
 
 // Lets the thread run. Does not block. Returns the number of suspensions that it had (1). 0 when the system failed: the
@@ -27,18 +27,18 @@ void waitForThread(ThreadHandle thread) noexcept;
 // Gives the handle back; a thread that still runs goes on. Does not block. Nonzero when the system agreed.
 std::int32_t closeThread(ThreadHandle thread) noexcept;
 
-// Puts the calling thread at the system's idle priority for as long as the object lives, then restores the priority
-// that it had. Where the process would not be allowed to come back from the idle priority, the thread is lowered as
-// far as it may come back from; where it could not come back at all, it stays as it is. Does not block.
-class IdlePriority {
+// As long as it lives, the calling thread, one that createSuspendedThread made, blocks the signals that its creator
+// blocked then, and no more: so that what a callback of the host starts can be ended by signals. Nothing happens on other
+// threads and on Windows. Does not block.
+class CreatorSignals {
 public:
-    IdlePriority() noexcept;
-    ~IdlePriority();
-    IdlePriority(const IdlePriority&) = delete;
-    IdlePriority& operator=(const IdlePriority&) = delete;
+    CreatorSignals() noexcept;
+    ~CreatorSignals();
+    CreatorSignals(const CreatorSignals&) = delete;
+    CreatorSignals& operator=(const CreatorSignals&) = delete;
 
 private:
-    NativePriority kept_;
+    NativeSignals kept_;
 };
 
 } // namespace tesmor::platform

@@ -5,6 +5,7 @@
 #include "operations/autofocus_search.h"
 #include "operations/manual_move.h"
 #include "operations/stack_capture.h"
+#include "platform/idle_priority.h"
 #include "platform/thread.h"
 
 #include <new>
@@ -29,6 +30,13 @@ public:
 private:
     std::atomic<std::int32_t>& busyFlag_;
 };
+
+template <class Callback, class... Arguments>
+void callHost(Callback callback, Arguments... arguments)
+{
+    const platform::CreatorSignals signals;
+    callback(arguments...);
+}
 
 } // namespace
 
@@ -90,7 +98,7 @@ void Worker::autofocus(const CommandBlock& block)
         return autofocusSearch(drive, frames_, block.magnification);
     };
     const std::int32_t result = search();
-    block.doneCallback(block.context, result);
+    callHost(block.doneCallback, block.context, result);
 }
 
 void Worker::move(const CommandBlock& block)
@@ -99,12 +107,14 @@ void Worker::move(const CommandBlock& block)
     manualDrive_.reset(new (std::nothrow) FocusDrive(units_, clock_));
     const std::int32_t result = manualDrive_ ? manualMove(*manualDrive_, block.angle) : TESMOR_NO_DRIVE;
     if (block.doneCallback)
-        block.doneCallback(block.context, result);
+        callHost(block.doneCallback, block.context, result);
 }
 
 void Worker::stack(const CommandBlock& block)
 {
-    const auto report = [&](std::int32_t result) { block.frameCallback(nullptr, 0, 0, block.context, result); };
+    const auto report = [&](std::int32_t result) {
+        callHost(block.frameCallback, nullptr, 0, 0, block.context, result);
+    };
     manualDrive_.reset();
     FocusDrive drive(units_, clock_); // still open while the result is reported
     const StackPlan plan{block.magnification, block.sliceCount, block.sliceSpacing, block.notifyOnly != 0};
@@ -119,15 +129,17 @@ void Worker::capture(const CommandBlock&)
 
 void Worker::fusion(const CommandBlock& block)
 {
-    const auto onProgress = [&](std::int32_t percent) { block.frameCallback(nullptr, 0, 0, block.context, percent); };
+    const auto onProgress = [&](std::int32_t percent) {
+        callHost(block.frameCallback, nullptr, 0, 0, block.context, percent);
+    };
     const auto fuse = [&] {
         platform::IdlePriority idlePriority;
         return fuseImages(block.images.data(), block.imageCount, block.width, block.height, block.output,
                           session_.runFlag, onProgress);
     };
     const std::int32_t result = fuse();
-    block.frameCallback(block.output, static_cast<std::int32_t>(block.width), static_cast<std::int32_t>(block.height),
-                        block.context, result);
+    callHost(block.frameCallback, block.output, static_cast<std::int32_t>(block.width),
+             static_cast<std::int32_t>(block.height), block.context, result);
 }
 
 } // namespace tesmor

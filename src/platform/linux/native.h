@@ -1,6 +1,7 @@
 // What the seam's objects are made of on Linux.
 #pragma once
 
+#include <csignal>
 #include <pthread.h>
 
 namespace tesmor::platform {
@@ -15,6 +16,8 @@ struct NativeEvent {
 };
 
 struct NativeThread;
+
+using NativeSignals = sigset_t;
 
 struct NativePriority {
     int policy;

@@ -2,27 +2,30 @@
 
 #include "platform/event.h"
 
-#include <cerrno>
 #include <csignal>
 #include <new>
-#include <sched.h>
-#include <sys/resource.h>
 
 namespace tesmor::platform {
 
 struct NativeThread {
     ThreadEntry entry;
     pthread_t thread{};
+    sigset_t creatorSignals{}; // that the creating thread blocks
     Event resumed{Reset::automatic, false};
     bool joined = false;
 };
 
 namespace {
 
+// Of a thread of ours; null on any other. Needs no memory, which a thread's first look otherwise may.
+[[gnu::tls_model("initial-exec")]] constinit thread_local const sigset_t* creatorSignals = nullptr;
+
 void* runWhenResumed(void* argument)
 {
     auto* thread = static_cast<NativeThread*>(argument);
     const ThreadEntry entry = thread->entry;
+    const sigset_t signals = thread->creatorSignals;
+    creatorSignals = &signals;
     thread->resumed.wait();
     entry(nullptr);
     return nullptr;
@@ -38,71 +41,6 @@ sigset_t asynchronousSignals() noexcept
     return signals;
 }
 
-constexpr id_t CALLING_THREAD = 0;
-constexpr int HIGHEST_NICE = -20;
-constexpr int LOWEST_NICE = 19;
-
-bool setScheduling(int policy, int priority) noexcept
-{
-    const sched_param parameters{priority};
-    return sched_setscheduler(CALLING_THREAD, policy, &parameters) == 0;
-}
-
-rlim_t limitOf(decltype(RLIMIT_NICE) resource) noexcept
-{
-    rlimit limit{};
-    return getrlimit(resource, &limit) == 0 ? limit.rlim_cur : 0;
-}
-
-bool limitAllowsNice(int nice) noexcept
-{
-    return limitOf(RLIMIT_NICE) >= static_cast<rlim_t>(LOWEST_NICE + 1 - nice);
-}
-
-bool limitAllowsRealTime(int priority) noexcept
-{
-    return limitOf(RLIMIT_RTPRIO) >= static_cast<rlim_t>(priority);
-}
-
-// Whether the system lets the thread rise beyond the limits of its process. Found out by a step up that only this right
-// allows, and a step down, which is always allowed: a thread without it loses nothing.
-bool mayPassLimits(const NativePriority& kept, int nice) noexcept
-{
-    if (nice > HIGHEST_NICE && !limitAllowsNice(HIGHEST_NICE)) {
-        return setpriority(PRIO_PROCESS, CALLING_THREAD, HIGHEST_NICE) == 0 &&
-               setpriority(PRIO_PROCESS, CALLING_THREAD, nice) == 0;
-    }
-    const int highest = sched_get_priority_max(SCHED_FIFO);
-    return kept.priority < highest && !limitAllowsRealTime(highest) &&
-           setScheduling(SCHED_FIFO | kept.inheritance, highest) &&
-           setScheduling(kept.policy | kept.inheritance, kept.priority);
-}
-
-// The lowest policy from which the thread may come back to `kept`; `kept`'s own where there is none.
-int lowestPolicy(const NativePriority& kept) noexcept
-{
-    const bool realTime = kept.policy == SCHED_FIFO || kept.policy == SCHED_RR;
-    if (!realTime && kept.policy != SCHED_OTHER && kept.policy != SCHED_BATCH)
-        return kept.policy;
-    errno = 0;
-    const int nice = getpriority(PRIO_PROCESS, CALLING_THREAD);
-    if (errno != 0)
-        return kept.policy;
-    const bool limitsAllowReturn = !realTime || limitAllowsRealTime(kept.priority);
-    const bool limitsAllowIdle = limitAllowsNice(nice);
-    if ((limitsAllowReturn && limitsAllowIdle) || mayPassLimits(kept, nice))
-        return SCHED_IDLE;
-    return limitsAllowReturn ? SCHED_BATCH : kept.policy;
-}
-
-NativePriority presentPriority() noexcept
-{
-    sched_param parameters{};
-    const int policy = sched_getscheduler(CALLING_THREAD);
-    sched_getparam(CALLING_THREAD, &parameters);
-    return {policy & ~SCHED_RESET_ON_FORK, policy & SCHED_RESET_ON_FORK, parameters.sched_priority, false};
-}
-
 } // namespace
 
 ThreadHandle createSuspendedThread(ThreadEntry entry) noexcept
@@ -111,10 +49,9 @@ ThreadHandle createSuspendedThread(ThreadEntry entry) noexcept
     if (!thread)
         return nullptr;
     const sigset_t blocked = asynchronousSignals();
-    sigset_t kept;
-    pthread_sigmask(SIG_BLOCK, &blocked, &kept);
+    pthread_sigmask(SIG_BLOCK, &blocked, &thread->creatorSignals);
     const int failure = pthread_create(&thread->thread, nullptr, runWhenResumed, thread);
-    pthread_sigmask(SIG_SETMASK, &kept, nullptr);
+    pthread_sigmask(SIG_SETMASK, &thread->creatorSignals, nullptr);
     if (failure) {
         delete thread;
         return nullptr;
@@ -139,16 +76,16 @@ std::int32_t closeThread(ThreadHandle thread) noexcept
     return closed ? 1 : 0;
 }
 
-IdlePriority::IdlePriority() noexcept : kept_(presentPriority())
+CreatorSignals::CreatorSignals() noexcept
 {
-    const int policy = lowestPolicy(kept_);
-    kept_.lowered = policy != kept_.policy && setScheduling(policy | kept_.inheritance, 0);
+    if (creatorSignals)
+        pthread_sigmask(SIG_SETMASK, creatorSignals, &kept_);
 }
 
-IdlePriority::~IdlePriority()
+CreatorSignals::~CreatorSignals()
 {
-    if (kept_.lowered)
-        setScheduling(kept_.policy | kept_.inheritance, kept_.priority);
+    if (creatorSignals)
+        pthread_sigmask(SIG_SETMASK, &kept_, nullptr);
 }
 
 } // namespace tesmor::platform

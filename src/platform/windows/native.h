@@ -18,6 +18,8 @@ using NativeEvent = HANDLE;
 // A ThreadHandle is a HANDLE.
 using NativeThread = void;
 
+struct NativeSignals {};
+
 using NativePriority = int;
 
 // The library's own module, as the loader knows it.

@@ -42,14 +42,8 @@ std::int32_t closeThread(ThreadHandle thread) noexcept
     return CloseHandle(thread);
 }
 
-IdlePriority::IdlePriority() noexcept : kept_(GetThreadPriority(GetCurrentThread()))
-{
-    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_IDLE); // -15
-}
+CreatorSignals::CreatorSignals() noexcept = default;
 
-IdlePriority::~IdlePriority()
-{
-    SetThreadPriority(GetCurrentThread(), kept_);
-}
+CreatorSignals::~CreatorSignals() = default;
 
 } // namespace tesmor::platform

@@ -1,0 +1,15 @@
+#include "platform/idle_priority.h"
+
+namespace tesmor::platform {
+
+IdlePriority::IdlePriority() noexcept : kept_(GetThreadPriority(GetCurrentThread()))
+{
+    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_IDLE); // -15
+}
+
+IdlePriority::~IdlePriority()
+{
+    SetThreadPriority(GetCurrentThread(), kept_);
+}
+
+} // namespace tesmor::platform
