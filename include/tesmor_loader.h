@@ -19,15 +19,37 @@
 #include "tesmor.h"
 
 #include <stddef.h>
+#include <stdlib.h>
 #include <string.h>
 
-#ifdef _WIN32
-#include <windows.h>
-#else
+#ifndef _WIN32
 #include <dlfcn.h>
+#elif defined(_WINDOWS_)
+/** @cond */
+typedef HMODULE TesmorModule;
+/** @endcond */
+#else
+/* Declared as in windows.h, which is not included: how and when to include it is the host's choice. */
+/** @cond */
+#ifdef NO_STRICT
+typedef void* TesmorModule;
+#else
+typedef struct HINSTANCE__* TesmorModule;
+#endif
+#ifdef __cplusplus
+extern "C" {
+#endif
+__declspec(dllimport) TesmorModule __stdcall LoadLibraryW(const wchar_t* file);
+__declspec(dllimport) intptr_t(__stdcall* __stdcall GetProcAddress(TesmorModule module, const char* name))(void);
+__declspec(dllimport) int __stdcall MultiByteToWideChar(unsigned int codePage, unsigned long flags, const char* text,
+                                                        int length, wchar_t* wideText, int wideLength);
+#ifdef __cplusplus
+}
+#endif
+/** @endcond */
 #endif
 
-/** The file name of the library that matches this header: tesmor.dll, libtesmor.so.1, ... */
+/** The file name of the library that matches this header: tesmor.dll or libtesmor.so.0. */
 #ifdef _WIN32
 #define TESMOR_LIBRARY_FILE "tesmor.dll"
 #else
@@ -58,11 +80,27 @@ typedef struct TesmorFunctions {
     /** @endcond */
 } TesmorFunctions;
 
+/** @cond */
+#ifdef _WIN32
+#define TESMOR_PATH_CHARACTERS 32768 /* the longest path that Windows knows */
+static inline TesmorModule tesmor_load_file(const char* utf8)
+{
+    enum { UTF8 = 65001, REFUSE_INVALID = 8 };
+    TesmorModule library = NULL;
+    wchar_t* wide = (wchar_t*)malloc(TESMOR_PATH_CHARACTERS * sizeof(wchar_t));
+    if (wide && MultiByteToWideChar(UTF8, REFUSE_INVALID, utf8, -1, wide, TESMOR_PATH_CHARACTERS))
+        library = LoadLibraryW(wide);
+    free(wide);
+    return library;
+}
+#endif
+/** @endcond */
+
 /**
  * Loads the library and looks up its functions. The library then stays loaded until the process ends; it must never be
  * unloaded. Any thread, but only one at a time.
  * @param functions filled in on success; otherwise every member is null
- * @param file the path of the library; null: TESMOR_LIBRARY_FILE, where the system looks for libraries
+ * @param file the path of the library, on Windows in UTF-8; null: TESMOR_LIBRARY_FILE, where the system looks for libraries
  * @return 1, or 0 if the library is missing or lacks a function; dlerror() or GetLastError() then tells why
  */
 static inline int tesmor_load(TesmorFunctions* functions, const char* file)
@@ -80,14 +118,14 @@ static inline int tesmor_load(TesmorFunctions* functions, const char* file)
     };
     size_t i;
 #ifdef _WIN32
-    HMODULE library = LoadLibraryA(file ? file : TESMOR_LIBRARY_FILE);
+    TesmorModule library = tesmor_load_file(file ? file : TESMOR_LIBRARY_FILE);
 #else
     void* library = dlopen(file ? file : TESMOR_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
 #endif
     memset(functions, 0, sizeof *functions);
     for (i = 0; library && i < sizeof table / sizeof table[0]; ++i) {
 #ifdef _WIN32
-        FARPROC function = GetProcAddress(library, table[i].name);
+        intptr_t(__stdcall * function)(void) = GetProcAddress(library, table[i].name);
 #else
         void* function = dlsym(library, table[i].name);
 #endif

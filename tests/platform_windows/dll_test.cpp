@@ -1,6 +1,11 @@
-// The DLL as a host loads it at run time: by name and by ordinal.
-#include "tesmor.h"
+// The DLL as a host loads it at run time: with tesmor_loader.h, by name and by ordinal.
+#include "tesmor_loader.h"
+#ifdef _WINDOWS_
+#error tesmor_loader.h leaves the choice of Windows headers to the host
+#endif
+#include <winsock2.h>
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <windows.h>
 
@@ -27,6 +32,22 @@ TEST(Dll, ExportsEachFunctionByNameAndOrdinal)
         EXPECT_EQ(named, GetProcAddress(module, MAKEINTRESOURCEA(ordinal))) << NAMES[ordinal - 1];
     }
     EXPECT_FALSE(GetProcAddress(module, MAKEINTRESOURCEA(ORDINALS + 1)));
+}
+
+TEST(Dll, LoadsFromAFolderWithAnyName)
+{
+    const auto folder = std::filesystem::temp_directory_path() / L"\u0444\u043E\u043A\u0443\u0441 \u7126\u70B9";
+    std::filesystem::create_directories(folder);
+    std::filesystem::copy_file("tesmor.dll", folder / "tesmor.dll", std::filesystem::copy_options::overwrite_existing);
+    const auto load = [&](const char* name) {
+        TesmorFunctions tesmor;
+        const bool loaded = tesmor_load(&tesmor, reinterpret_cast<const char*>((folder / name).u8string().c_str()));
+        EXPECT_EQ(loaded, tesmor.doing != nullptr);
+        return loaded;
+    };
+    EXPECT_TRUE(load("tesmor.dll")) << GetLastError();
+    EXPECT_FALSE(load("missing.dll"));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_MOD_NOT_FOUND});
 }
 
 // Commands run to their end through pointers got by ordinal, and the host lets go of the DLL too early.
