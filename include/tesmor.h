@@ -47,9 +47,10 @@
  *   ended and, after an abort or a timeout, until the call of tesmor_video that was then in progress has returned.
  *
  * @par Checks
- *   Arguments are not checked, and nothing is logged. A callback may be null only where this header says so. A callback
- *   may throw a C++ exception: on the worker thread it ends the command, on the video thread it passes through
- *   tesmor_video to the caller.
+ *   Arguments are not checked, and nothing is logged. A callback may be null only where this header says so. In a
+ *   host that was built with the same compiler family as the library, a callback may throw a C++ exception: on the
+ *   worker thread it ends the command, on the video thread it passes through tesmor_video to the caller. Nothing else
+ *   was shown: with any other compiler, let no exception leave a callback.
  */
 #ifndef TESMOR_H
 #define TESMOR_H
@@ -84,7 +85,7 @@ enum {
     /** The command is complete; or this is one captured frame, or one slice. */
     TESMOR_SUCCESS = 0,
     /** The focus motor refused a move five times, or did not acknowledge it in five waits of 1.5 seconds. The motor may
-       or may not have moved. On Linux also: another program is using the drive, or its service has ended. */
+       or may not have moved. On Linux also: another program is using the drive, or its service hangs or has ended. */
     TESMOR_MOVE_FAILED = -1,
     /** The fusion could not get its working memory, or the images are smaller than 2 x 2 pixels or larger than
        2^31 - 1 bytes. */
@@ -117,8 +118,9 @@ typedef void (*DoneCallback)(void* context, int32_t result);
  * - image = the fusion's output, with its size and the fusion's result code: the fusion has ended, on the worker thread.
  *   Unless result is TESMOR_SUCCESS, the output is untouched.
  *
- * It must not post. After an abort or a timeout, a live frame may still be in this callback on the video thread while
- * the report, or calls for later commands, arrive; at no other time do two calls overlap.
+ * It must not post. A fusion reports its progress at the worker's lowered priority: do not hold a lock there that a
+ * thread of normal priority waits for. After an abort or a timeout, a live frame may still be in this callback on the
+ * video thread while the report, or calls for later commands, arrive; at no other time do two calls overlap.
  * @param image a frame, the fused image, or null
  * @param width,height its size, or 0
  * @param context the host's own pointer
@@ -129,6 +131,8 @@ typedef void (*FrameCallback)(const uint8_t* image, int32_t width, int32_t heigh
 /**
  * Starts the worker thread. Call it once, before the first command, and again only after tesmor_fini. Does not block.
  * @return 1, or 0 when the system could not create the thread.
+ * @note On Linux the worker takes no signals, except for its own faults and for profilers. Inside a callback it has the
+ *   signal mask of the thread that called this function, and so has what the callback starts.
  */
 TESMOR_API int32_t tesmor_init(void);
 
