@@ -1,6 +1,7 @@
 // Fuses seeded stacks with the shared library and writes the fused bytes to a file, so that builds can be compared:
 //   fused_bytes FILE
 // Everything that goes in is made with integers, and so is the same everywhere. See tools/windows/compare_fusion.
+#include "protocol/frame_layout.h"
 #include "tesmor.h"
 
 #include <algorithm>
@@ -15,14 +16,9 @@ constexpr int SLICES = 8;
 
 using Bytes = std::vector<std::uint8_t>;
 
-int strideOf(int width)
-{
-    return (width * 24 + 31) / 32 * 4;
-}
-
 Bytes noise(int width, int height)
 {
-    Bytes pixels(static_cast<std::size_t>(strideOf(width)) * height);
+    Bytes pixels(static_cast<std::size_t>(tesmor::rowBytes(width)) * height);
     std::uint32_t state = 12345;
     for (std::uint8_t& byte : pixels) {
         state = state * 1664525 + 1013904223;
@@ -36,7 +32,7 @@ Bytes slice(const Bytes& sharp, int width, int height, int number)
 {
     Bytes blurred(sharp.size());
     for (int y = 0; y < height; ++y) {
-        const std::size_t row = static_cast<std::size_t>(strideOf(width)) * y;
+        const std::size_t row = static_cast<std::size_t>(tesmor::rowBytes(width)) * y;
         for (int i = 0; i < 3 * width; ++i) {
             const int radius = std::abs(i / 3 * SLICES / width - number);
             int sum = 0;

@@ -6,8 +6,6 @@
 #include "platform_linux/raw_service.h"
 #include "protocol/drive_request.h"
 
-#include <array>
-
 using namespace tesmor;
 using test::Packet;
 
@@ -44,12 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     platform::Event completion(platform::Reset::manual, false);
     const DriveRequest request = makeDriveRequest(DRIVE_REQ_MOVE, DIR_REVERSE, 1);
-    const std::array<std::uint8_t, 4> zero{};
     for (int i = 0; i < REQUESTS; ++i) {
         if (i % 2 == 0)
             acceptances -= device->control(IOCTL_DRIVE_REQUEST, request);
         else
-            acceptances -= device->control(IOCTL_DRIVE_RESET_ACK, zero);
+            acceptances -= device->control(IOCTL_DRIVE_RESET_ACK, DRIVE_RESET_ACK_INPUT);
         for (int read = 0; read < READS; ++read)
             acknowledgements -= device->readByte(&completion, 1000);
     }

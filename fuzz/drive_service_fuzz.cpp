@@ -3,12 +3,10 @@
 // the answer.
 #include "fuzz/fuzz_input.h"
 #include "microscope/drive/drive_service.h"
+#include "protocol/drive_socket.h"
 
 #include <cerrno>
 #include <cstring>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 using namespace tesmor::microscope;
 
@@ -33,13 +31,9 @@ struct Service {
 
 int connectTo(unsigned unit)
 {
-    const int client = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const int length = std::snprintf(address.sun_path + 1, sizeof address.sun_path - 1, "braskdrv-%u-1010", unit);
-    tesmor::fuzz::require(connect(client, reinterpret_cast<const sockaddr*>(&address),
-                                  static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length)) == 0,
-                          "the service listens");
+    const int client = tesmor::makeDriveSocket(0);
+    const tesmor::DriveAddress address(unit);
+    tesmor::fuzz::require(connect(client, address.get(), address.length()) == 0, "the service listens");
     return client;
 }
 

@@ -2,6 +2,7 @@
 // Input: width, height and magnification as words, the command as a byte, then pixels, repeated over the frame.
 #include "frames/frame_hook.h"
 #include "fuzz/fuzz_input.h"
+#include "protocol/frame_layout.h"
 
 #include <cmath>
 #include <memory>
@@ -30,7 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto height = static_cast<std::int16_t>(input.word());
     const std::uint16_t magnification = input.word();
     const std::uint8_t command = input.byte();
-    const std::int64_t bytes = width > 0 && height > 0 ? (std::int64_t{width} * 24 + 31) / 32 * 4 * height : 0;
+    const std::int64_t bytes = width > 0 && height > 0 ? rowBytes(width) * height : 0;
     if (bytes > MOST_BYTES)
         return -1; // not worth keeping
 

@@ -2,6 +2,7 @@
 #include "fuzz/fuzz_input.h"
 #include "images/decoder_messages.h"
 #include "images/image_files.h"
+#include "protocol/frame_layout.h"
 #include "terminal/errors.h"
 
 #include <QImage>
@@ -32,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             return 0;
         const QImage image = apps::readFrame(name, imageSize);
         fuzz::require(image.size() == imageSize && image.format() == QImage::Format_BGR888, "a frame is as announced");
-        fuzz::require(image.bytesPerLine() == (imageSize.width() * 24 + 31) / 32 * 4, "and laid out as one");
+        fuzz::require(image.bytesPerLine() == rowBytes(imageSize.width()), "and laid out as one");
     } catch (const apps::UserError&) {
     }
     return 0;

@@ -1,31 +1,20 @@
 #include "host/drive_units.h"
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
+#include "protocol/drive_link.h"
+#include "protocol/drive_request.h"
+#include "protocol/drive_socket.h"
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
-#include <optional>
+#include <poll.h>
 
 namespace tesmor::apps {
 
 namespace {
 
-constexpr unsigned UNITS = 16;
 constexpr int REPLY_TIMEOUT_MS = 1000;
-
-// The control code 0x222035, which forgets acknowledgements that nobody has read, and its input, a zero.
-constexpr std::array<std::uint8_t, 8> HARMLESS_REQUEST{0x35, 0x20, 0x22, 0x00, 0, 0, 0, 0};
-constexpr std::size_t REPLY_LENGTH = 5; // the control code, then whether it was accepted
 
 class Socket {
 public:
-    Socket() : descriptor_(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {}
+    Socket() : descriptor_(makeDriveSocket(SOCK_NONBLOCK)) {}
     ~Socket()
     {
         close(descriptor_);
@@ -35,34 +24,28 @@ public:
 
     bool connectTo(unsigned unit) const
     {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        const int length = std::snprintf(address.sun_path + 1, sizeof(address.sun_path) - 1, "braskdrv-%u-1010", unit);
-        return connect(descriptor_, reinterpret_cast<const sockaddr*>(&address),
-                       static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1) + static_cast<socklen_t>(length)) ==
-               0;
+        const DriveAddress address(unit);
+        return connect(descriptor_, address.get(), address.length()) == 0;
     }
 
     std::optional<uid_t> peer() const
     {
-        ucred credentials{};
-        socklen_t length = sizeof(credentials);
-        if (getsockopt(descriptor_, SOL_SOCKET, SO_PEERCRED, &credentials, &length) != 0)
-            return std::nullopt;
-        return credentials.uid;
+        return peerOf(descriptor_);
     }
 
+    // With the one request that changes nothing: nobody waits for an acknowledgement on this link.
     DriveState ask() const
     {
-        if (send(descriptor_, HARMLESS_REQUEST.data(), HARMLESS_REQUEST.size(), MSG_NOSIGNAL) < 0)
+        const ControlPacket request = makeControlPacket(IOCTL_DRIVE_RESET_ACK, DRIVE_RESET_ACK_INPUT);
+        if (send(descriptor_, request.bytes.data(), request.length, MSG_NOSIGNAL) < 0)
             return DriveState::busy;
         pollfd readable{descriptor_, POLLIN, 0};
         while (poll(&readable, 1, REPLY_TIMEOUT_MS) > 0) {
-            std::array<std::uint8_t, REPLY_LENGTH> reply{};
+            DriveReply reply{};
             const ssize_t length = recv(descriptor_, reply.data(), reply.size(), MSG_TRUNC);
             if (length <= 0)
                 return DriveState::busy;
-            if (length == REPLY_LENGTH && std::equal(reply.begin(), reply.end() - 1, HARMLESS_REQUEST.begin()))
+            if (length == static_cast<ssize_t>(reply.size()) && controlCodeOf(reply) == IOCTL_DRIVE_RESET_ACK)
                 return DriveState::answers;
         }
         return DriveState::silent;
@@ -77,13 +60,12 @@ private:
 std::vector<DriveUnit> findDriveUnits()
 {
     std::vector<DriveUnit> units;
-    for (unsigned number = 0; number < UNITS; ++number) {
+    for (unsigned number = 0; number < MAX_DRIVE_UNITS; ++number) {
         const Socket socket;
         if (!socket.connectTo(number))
             continue;
-        const uid_t owner = socket.peer().value_or(0);
-        const bool trusted = owner == 0 || owner == geteuid();
-        units.push_back({number, trusted ? socket.ask() : DriveState::foreign, owner});
+        const std::optional<uid_t> owner = socket.peer();
+        units.push_back({number, isTrusted(owner) ? socket.ask() : DriveState::foreign, owner.value_or(0)});
     }
     return units;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "microscope/camera/warp.h"
+#include "protocol/frame_layout.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +14,7 @@ namespace tesmor::microscope {
 
 constexpr std::size_t rowBytes(std::int32_t width) noexcept
 {
-    return (static_cast<std::size_t>(width) * 24 + 31) / 32 * 4;
+    return static_cast<std::size_t>(tesmor::rowBytes(width));
 }
 
 struct Image {

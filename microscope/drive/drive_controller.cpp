@@ -1,6 +1,6 @@
 #include "microscope/drive/drive_controller.h"
 
-#include "microscope/drive/drive_command.h"
+#include "protocol/drive_request.h"
 
 #include <algorithm>
 #include <utility>
@@ -41,7 +41,7 @@ DriveController::Reaction DriveController::react(std::uint32_t code, std::span<c
         vanished_ = true;
         return {Answer::vanish, false};
     }
-    const std::optional<DriveCommand> command = parseCommand(code, input);
+    const std::optional<DriveCommand> command = parseDriveCommand(code, input);
     const bool isMove = command && command->kind == DriveCommand::Kind::move;
     const bool refused = !command || use(faults_.refuseRequests) || (isMove && use(faults_.refuseMoves));
     const bool accepted = !refused && (!isMove || startMove(command->displacement, now));

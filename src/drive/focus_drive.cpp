@@ -2,8 +2,6 @@
 
 #include "protocol/drive_request.h"
 
-#include <array>
-
 namespace tesmor {
 
 FocusDrive::FocusDrive(platform::DriveUnits& units, platform::Clock& clock) noexcept : clock_(clock)
@@ -32,8 +30,7 @@ bool FocusDrive::readAck() noexcept
 {
     if (device_->readByte(ackEvent_.get(), ACK_TIMEOUT_MS))
         return true;
-    constexpr std::array<std::uint8_t, 4> zero{};
-    device_->control(IOCTL_DRIVE_RESET_ACK, zero);
+    device_->control(IOCTL_DRIVE_RESET_ACK, DRIVE_RESET_ACK_INPUT);
     clock_.sleepMilliseconds(DRIVE_RETRY_PAUSE_MS);
     return false;
 }

@@ -10,7 +10,6 @@
 
 namespace tesmor {
 
-inline constexpr unsigned MAX_DRIVE_UNITS = 16;
 inline constexpr std::uint32_t ACK_TIMEOUT_MS = 1500;
 inline constexpr std::uint32_t DRIVE_RETRY_PAUSE_MS = 20;
 inline constexpr int SEND_ATTEMPTS = 5; // per move

@@ -1,5 +1,7 @@
-// Where the pixels of an image are: blue, green, red bytes, rows padded to a multiple of 4 bytes.
+// The size of an image that can be fused.
 #pragma once
+
+#include "protocol/frame_layout.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +19,7 @@ struct ImageLayout {
     // None for sizes that cannot be fused: below 2 x 2 pixels, or with more bytes than 32-bit arithmetic can index.
     static constexpr std::optional<ImageLayout> of(std::uint32_t width, std::uint32_t height) noexcept
     {
-        const std::uint64_t stride = (std::uint64_t{width} * 24 + 31) / 32 * 4;
+        const std::int64_t stride = rowBytes(width);
         if (width < 2 || height < 2 || stride > INT32_MAX / height)
             return std::nullopt;
         return ImageLayout{static_cast<std::int32_t>(width), static_cast<std::int32_t>(height),

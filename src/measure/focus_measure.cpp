@@ -1,6 +1,7 @@
 #include "measure/focus_measure.h"
 
 #include "protocol/central_region.h"
+#include "protocol/frame_layout.h"
 
 #include <cstddef>
 
@@ -12,7 +13,7 @@ namespace {
 // never past it.
 const std::uint8_t* rowStart(const std::uint8_t* image, std::int32_t width, std::int32_t row) noexcept
 {
-    return image + (std::int64_t{row} * width * 24 + 31) / 32 * 4;
+    return image + rowBytes(std::int64_t{row} * width);
 }
 
 // Prefetches bytes into the cache, where the compiler has a way to. The processor does so itself within a row, but not

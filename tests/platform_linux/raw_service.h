@@ -1,14 +1,11 @@
 // Both ends of the drive link, with nothing behind them: a test sends and receives each packet itself.
 #pragma once
 
-#include <cstddef>
+#include "protocol/drive_socket.h"
+
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 #include <vector>
 
 namespace tesmor::test {
@@ -47,22 +44,6 @@ public:
     }
 
 protected:
-    // bind or connect.
-    template <class Call>
-    static int attach(Call call, int socket, unsigned unit)
-    {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        const int length = std::snprintf(address.sun_path + 1, sizeof address.sun_path - 1, "braskdrv-%u-1010", unit);
-        return call(socket, reinterpret_cast<sockaddr*>(&address),
-                    static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length));
-    }
-
-    static int makeSocket()
-    {
-        return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0);
-    }
-
     int link_ = -1;
 };
 
@@ -70,8 +51,9 @@ class RawClient : public RawLink {
 public:
     explicit RawClient(unsigned unit)
     {
-        link_ = makeSocket();
-        attach(connect, link_, unit);
+        link_ = makeDriveSocket(0);
+        const DriveAddress address(unit);
+        connect(link_, address.get(), address.length());
     }
 
     std::optional<Packet> ask(const Packet& request) const
@@ -85,7 +67,8 @@ class RawService : public RawLink {
 public:
     explicit RawService(unsigned unit)
     {
-        attach(bind, listener_, unit);
+        const DriveAddress address(unit);
+        bind(listener_, address.get(), address.length());
         listen(listener_, 1);
     }
 
@@ -113,7 +96,7 @@ public:
     }
 
 private:
-    const int listener_ = makeSocket();
+    const int listener_ = makeDriveSocket(0);
 };
 
 } // namespace tesmor::test

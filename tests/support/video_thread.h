@@ -1,6 +1,7 @@
 // A host's video thread: one frame after the other, as fast as the library takes them.
 #pragma once
 
+#include "protocol/frame_layout.h"
 #include "tesmor.h"
 
 #include <atomic>
@@ -12,7 +13,7 @@ namespace tesmor::test {
 class VideoThread {
 public:
     VideoThread(std::int32_t width, std::int32_t height)
-        : frame_(static_cast<std::size_t>((width * 24 + 31) / 32 * 4 * height), 100), thread_([=, this] {
+        : frame_(static_cast<std::size_t>(rowBytes(width) * height), 100), thread_([=, this] {
               while (!stop_) {
                   tesmor_video(frame_.data(), width, height);
                   std::this_thread::yield();

@@ -1,6 +1,6 @@
 #include "tesmor/demo/focus_trace.h"
 
-#include "microscope/drive/drive_command.h"
+#include "protocol/drive_request.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -51,10 +51,8 @@ const char* phaseName(SearchPhase phase)
 
 std::optional<std::int64_t> displacementOf(const microscope::LoggedRequest& request)
 {
-    if (request.answer != microscope::Answer::accepted)
-        return std::nullopt;
-    const auto command = microscope::parseCommand(request.code, request.input);
-    if (!command || command->kind != microscope::DriveCommand::Kind::move)
+    const auto command = parseDriveCommand(request.code, request.input);
+    if (request.answer != microscope::Answer::accepted || !command || command->kind != DriveCommand::Kind::move)
         return std::nullopt;
     return command->displacement;
 }

@@ -1,13 +1,8 @@
-// The drive link's service end.
-//   socket       AF_UNIX, SOCK_SEQPACKET, abstract name "braskdrv-%u-1010"; one packet is one message
-//   to service   control code as u32, then its input bytes
-//   from service 5 bytes: the control code that is answered as u32, then 0 for refused, 1 for accepted
-//                1 byte: an acknowledgement
-//   byte order   little-endian
-// A client must run as root or as the service's own user.
+// The drive link's service end. A client must run as root or as the service's own user.
 #include "microscope/drive/drive_service.h"
 
 #include "microscope/drive/linux/link_socket.h"
+#include "protocol/drive_link.h"
 
 #include <algorithm>
 #include <array>
@@ -30,23 +25,6 @@ timespec timeUntil(Clock::time_point time)
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
     const auto rest = std::chrono::duration_cast<std::chrono::nanoseconds>(left - seconds);
     return {static_cast<time_t>(seconds.count()), static_cast<long>(rest.count())};
-}
-
-std::uint32_t codeOf(std::span<const std::uint8_t> packet)
-{
-    std::uint32_t code = 0;
-    for (std::size_t i = 0; i < std::min<std::size_t>(4, packet.size()); ++i)
-        code |= static_cast<std::uint32_t>(packet[i]) << (8 * i);
-    return code;
-}
-
-std::array<std::uint8_t, 5> replyTo(std::uint32_t code, bool accepted)
-{
-    std::array<std::uint8_t, 5> reply{};
-    for (std::size_t i = 0; i < 4; ++i)
-        reply[i] = static_cast<std::uint8_t>(code >> (8 * i));
-    reply[4] = accepted ? 1 : 0;
-    return reply;
 }
 
 } // namespace
@@ -107,9 +85,8 @@ private:
             return false;
         }
         const auto packet = std::span(buffer).first(static_cast<std::size_t>(length));
-        const std::uint32_t code = codeOf(packet);
-        const auto reaction =
-            controller_.request(code, packet.subspan(std::min<std::size_t>(4, packet.size())), Clock::now());
+        const std::uint32_t code = controlCodeOf(packet);
+        const auto reaction = controller_.request(code, controlInputOf(packet), Clock::now());
         if (reaction.answer == Answer::vanish) {
             dropClient();
             return false;
@@ -117,7 +94,7 @@ private:
         if (reaction.rubbish)
             sendRubbish(code);
         if (reaction.answer != Answer::none)
-            send(replyTo(code, reaction.answer == Answer::accepted));
+            send(makeDriveReply(code, reaction.answer == Answer::accepted));
         return true;
     }
 
@@ -128,7 +105,7 @@ private:
         constexpr std::array<std::uint8_t, 300> bytes{0xDE, 0xAD, 0xBE, 0xEF};
         for (const std::size_t length : {2u, 3u, 4u, 6u, 14u, 300u})
             send(std::span(bytes).first(length));
-        send(replyTo(~code, true));
+        send(makeDriveReply(~code, true));
     }
 
     void emit(DriveController::Event event)

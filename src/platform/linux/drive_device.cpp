@@ -1,23 +1,17 @@
-// The focus drive's device on Linux: a link to a drive service on a local socket.
-//   socket       AF_UNIX, SOCK_SEQPACKET, abstract name "braskdrv-%u-1010"; one packet is one message
-//   to service   control code as u32, then its input bytes
-//   from service 5 bytes: the control code that is answered as u32, then 0 for refused, else accepted
-//                1 byte: an acknowledgement; any other length is ignored
-//   byte order   little-endian
-// The service must run as root or as the library's own user. One whose backlog is full exists but does not answer.
+// The focus drive's device on Linux: a link to a drive service, which must run as root or as the library's own user. One
+// whose backlog is full exists but does not answer.
 #include "platform/drive_device.h"
 
-#include <algorithm>
-#include <array>
+#include "protocol/drive_link.h"
+#include "protocol/drive_socket.h"
+
 #include <cerrno>
 #include <cstddef>
-#include <cstdio>
 #include <ctime>
 #include <new>
 #include <optional>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 namespace tesmor::platform {
@@ -26,9 +20,6 @@ namespace {
 
 constexpr int REPLY_TIMEOUT_MS = 1000;
 constexpr int LATE_LOOKS = 64;
-constexpr std::size_t ACK_LENGTH = 1;
-constexpr std::size_t REPLY_LENGTH = 5;
-constexpr std::size_t MAX_INPUT_BYTES = 10;
 
 using Milliseconds = std::int64_t;
 
@@ -59,37 +50,11 @@ private:
     int lateLooks_ = LATE_LOOKS;
 };
 
-void putLittleEndian(std::uint32_t value, std::uint8_t* bytes) noexcept
-{
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
-}
-
-std::uint32_t getLittleEndian(const std::uint8_t* bytes) noexcept
-{
-    std::uint32_t value = 0;
-    for (int i = 3; i >= 0; --i)
-        value = value << 8 | bytes[i];
-    return value;
-}
-
 // 0, or the error number.
 int connectToUnit(int socketFd, unsigned unit) noexcept
 {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    char* const name = address.sun_path + 1; // the leading 0 makes the name abstract
-    const int nameLength = std::snprintf(name, sizeof(address.sun_path) - 1, "braskdrv-%u-1010", unit);
-    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + nameLength);
-    return connect(socketFd, reinterpret_cast<const sockaddr*>(&address), length) == 0 ? 0 : errno;
-}
-
-bool isTrusted(int socketFd) noexcept
-{
-    ucred peer{};
-    socklen_t length = sizeof(peer);
-    return getsockopt(socketFd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0 &&
-           (peer.uid == 0 || peer.uid == geteuid());
+    const DriveAddress address(unit);
+    return connect(socketFd, address.get(), address.length()) == 0 ? 0 : errno;
 }
 
 // Once the peer has gone or failed to answer in time, the link is down for good: a late reply can then never be taken
@@ -111,8 +76,8 @@ public:
         }
         Patience patience(REPLY_TIMEOUT_MS);
         while (const std::optional<Packet> packet = receive(patience)) {
-            if (packet->length == REPLY_LENGTH && getLittleEndian(packet->bytes.data()) == code)
-                return packet->bytes[4] != 0;
+            if (packet->length == packet->bytes.size() && controlCodeOf(packet->bytes) == code)
+                return isAccepted(packet->bytes);
         }
         shutDown();
         return false;
@@ -139,7 +104,7 @@ private:
     }
 
     struct Packet {
-        std::array<std::uint8_t, REPLY_LENGTH> bytes;
+        DriveReply bytes;
         std::size_t length; // of the packet, also where that is more than the bytes kept
     };
 
@@ -156,15 +121,12 @@ private:
 
     bool send(std::uint32_t code, std::span<const std::uint8_t> input) noexcept
     {
-        std::array<std::uint8_t, 4 + MAX_INPUT_BYTES> packet;
-        putLittleEndian(code, packet.data());
-        std::ranges::copy(input, packet.data() + 4);
-        const std::size_t length = 4 + input.size();
+        const ControlPacket packet = makeControlPacket(code, input);
         ssize_t sent;
         do {
-            sent = ::send(socketFd_, packet.data(), length, MSG_NOSIGNAL);
+            sent = ::send(socketFd_, packet.bytes.data(), packet.length, MSG_NOSIGNAL);
         } while (sent < 0 && errno == EINTR);
-        return sent == static_cast<ssize_t>(length);
+        return sent == static_cast<ssize_t>(packet.length);
     }
 
     // The next packet, acknowledgements counted; none when none came in time or the peer has gone.
@@ -184,7 +146,7 @@ private:
                 break;
             }
             packet.length = static_cast<std::size_t>(received);
-            if (packet.length == ACK_LENGTH)
+            if (packet.length == DRIVE_ACK_BYTES)
                 ++keptAcknowledgements_;
             return packet;
         }
@@ -204,12 +166,12 @@ public:
 
     std::unique_ptr<DriveDevice> open(unsigned unit) noexcept override
     {
-        const int socketFd = socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+        const int socketFd = makeDriveSocket(SOCK_NONBLOCK);
         if (socketFd < 0)
             return nullptr;
         const int failure = connectToUnit(socketFd, unit);
         const bool hangs = failure == EAGAIN;
-        if (hangs || (failure == 0 && isTrusted(socketFd))) {
+        if (hangs || (failure == 0 && isTrusted(peerOf(socketFd)))) {
             // Nothing can be sent on a socket that is not connected: the link of a unit that hangs goes down at its
             // first request.
             if (auto* link = new (std::nothrow) DriveLink(socketFd))

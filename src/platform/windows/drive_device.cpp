@@ -3,6 +3,7 @@
 #include "platform/drive_device.h"
 
 #include "platform/clock.h"
+#include "protocol/drive_codes.h"
 
 #include <algorithm>
 #include <cwchar>
@@ -147,14 +148,14 @@ public:
     {
         wchar_t name[NAME_CHARACTERS];
         wchar_t target[TARGET_CHARACTERS];
-        std::swprintf(name, NAME_CHARACTERS, L"braskdrv-%u-1010", unit);
+        std::swprintf(name, NAME_CHARACTERS, L"" DRIVE_NAME_FORMAT, unit);
         return QueryDosDeviceW(name, target, TARGET_CHARACTERS) != 0;
     }
 
     std::unique_ptr<DriveDevice> open(unsigned unit) noexcept override
     {
         wchar_t path[NAME_CHARACTERS];
-        std::swprintf(path, NAME_CHARACTERS, L"\\\\.\\braskdrv-%u-1010", unit);
+        std::swprintf(path, NAME_CHARACTERS, L"\\\\.\\" DRIVE_NAME_FORMAT, unit);
         const HANDLE file = CreateFileW(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_OVERLAPPED, nullptr);
         if (file == INVALID_HANDLE_VALUE)

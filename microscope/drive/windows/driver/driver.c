@@ -1,16 +1,17 @@
 /* braskdrv, simulated: a test driver that stands in for the camera's. See protocol.h. */
 #include "irp_queue.h"
 #include "protocol.h"
+#include "protocol/drive_codes.h"
 #include "unit.h"
 
 static PDEVICE_OBJECT controlDevice;
 static UNICODE_STRING controlTarget = RTL_CONSTANT_STRING(L"\\Device\\" BRASKDRV_CONTROL_NAME);
 static UNICODE_STRING controlLink = RTL_CONSTANT_STRING(L"\\DosDevices\\Global\\" BRASKDRV_CONTROL_NAME);
-static Unit* units[BRASKDRV_UNITS]; /* each in the extension of its device object */
+static Unit* units[MAX_DRIVE_UNITS]; /* each in the extension of its device object */
 
 static Unit* unitOfService(PFILE_OBJECT service)
 {
-    for (ULONG i = 0; i < BRASKDRV_UNITS; ++i) {
+    for (ULONG i = 0; i < MAX_DRIVE_UNITS; ++i) {
         if (units[i]->service == service)
             return units[i];
     }
@@ -19,7 +20,7 @@ static Unit* unitOfService(PFILE_OBJECT service)
 
 static NTSTATUS attach(PFILE_OBJECT service, const BraskdrvAttach* wish)
 {
-    if (wish->unit >= BRASKDRV_UNITS || unitOfService(service))
+    if (wish->unit >= MAX_DRIVE_UNITS || unitOfService(service))
         return STATUS_INVALID_PARAMETER;
     return attachUnit(units[wish->unit], service, wish->opens != 0);
 }
@@ -89,7 +90,7 @@ static void NTAPI unload(PDRIVER_OBJECT driver)
 
 static NTSTATUS createDevices(PDRIVER_OBJECT driver)
 {
-    for (ULONG i = 0; i < BRASKDRV_UNITS; ++i) {
+    for (ULONG i = 0; i < MAX_DRIVE_UNITS; ++i) {
         const NTSTATUS status = createUnit(driver, i, &units[i]);
         if (!NT_SUCCESS(status))
             return status;

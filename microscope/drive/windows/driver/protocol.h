@@ -23,7 +23,6 @@
 
 #define BRASKDRV_CONTROL_NAME L"braskdrv-simulated"
 
-#define BRASKDRV_UNITS 16
 #define BRASKDRV_MAX_INPUT 16
 #define BRASKDRV_ANSWER_LIMIT_MS 1000
 
@@ -43,7 +42,7 @@
 #define BRASKDRV_ACKNOWLEDGE 0x222408
 
 typedef struct BraskdrvAttach {
-    uint32_t unit;
+    uint32_t unit;  /* below MAX_DRIVE_UNITS */
     uint32_t opens; /* 0: the unit's name exists, but it does not open; it needs no pipe and no events */
 } BraskdrvAttach;
 

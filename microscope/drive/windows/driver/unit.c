@@ -1,5 +1,6 @@
 #include "unit.h"
 #include "irp_queue.h"
+#include "protocol/drive_codes.h"
 
 #define TARGET_PREFIX L"\\Device\\braskdrv-simulated-"
 
@@ -19,7 +20,7 @@ NTSTATUS createUnit(PDRIVER_OBJECT driver, ULONG number, Unit** unit)
     RtlZeroMemory(created, sizeof(*created));
     created->number = number;
     setName(&created->target, TARGET_PREFIX, number, L"");
-    setName(&created->link, L"\\DosDevices\\Global\\braskdrv-", number, L"-1010");
+    setName(&created->link, L"\\DosDevices\\Global\\" DRIVE_NAME_PREFIX, number, L"" DRIVE_NAME_SUFFIX);
     KeInitializeEvent(&created->turn, SynchronizationEvent, TRUE);
     InitializeListHead(&created->reads);
     InitializeListHead(&created->resetReads);

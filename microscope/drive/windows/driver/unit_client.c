@@ -1,10 +1,6 @@
 #include "irp_queue.h"
+#include "protocol/drive_codes.h"
 #include "unit.h"
-
-#define IOCTL_DRIVE_REQUEST 0x222059
-#define IOCTL_DRIVE_RESET_ACK 0x222035
-#define DRIVE_REQUEST_BYTES 10
-#define RESET_ACK_BYTES 4
 
 /* Wine lets a second client open the unit all the same; it then gets nothing done. */
 NTSTATUS openUnit(Unit* unit, PFILE_OBJECT client)
@@ -46,7 +42,7 @@ static NTSTATUS checkRequest(PIO_STACK_LOCATION stack)
     case IOCTL_DRIVE_REQUEST:
         return length == DRIVE_REQUEST_BYTES ? STATUS_SUCCESS : STATUS_INVALID_BUFFER_SIZE;
     case IOCTL_DRIVE_RESET_ACK:
-        return length == RESET_ACK_BYTES ? STATUS_SUCCESS : STATUS_INVALID_BUFFER_SIZE;
+        return length == DRIVE_RESET_ACK_BYTES ? STATUS_SUCCESS : STATUS_INVALID_BUFFER_SIZE;
     default:
         return STATUS_INVALID_DEVICE_REQUEST;
     }
