@@ -1,8 +1,9 @@
 // A client that sends whatever it likes, towards the virtual microscope's drive service.
 // Input: packets, each a length byte and so many bytes; a bit of the length says that the client leaves without reading
 // the answer.
+#include "drive_service/drive_service.h"
 #include "fuzz/fuzz_input.h"
-#include "microscope/drive/drive_service.h"
+#include "microscope/drive/drive_controller.h"
 #include "protocol/drive_socket.h"
 
 #include <cerrno>
@@ -17,16 +18,11 @@ constexpr std::uint8_t LEAVES = 0x80;
 constexpr std::int64_t END_STOP = 400'000; // motor steps
 
 struct Service {
-    Service()
-    {
-        service.start();
-    }
-
     const unsigned unit = 1000 + static_cast<unsigned>(getpid()); // nobody else's
     Motor motor{{.stepsPerSecond = 0, .lowEnd = -END_STOP, .highEnd = END_STOP}, TimeScale{1}, 0};
     AcknowledgementGate gate;
     DriveController controller{motor, gate};
-    DriveService service{controller, unit};
+    tesmor::service::DriveService service{controller, unit};
 };
 
 int connectTo(unsigned unit)

@@ -1,5 +1,6 @@
 #include "microscope/virtual_microscope.h"
 
+#include "drive_service/drive_service.h"
 #include "microscope/camera/best_focus.h"
 #include "microscope/camera/camera.h"
 #include "microscope/camera/optics.h"
@@ -7,11 +8,11 @@
 #include "microscope/camera/sensor.h"
 #include "microscope/drive/acknowledgement_gate.h"
 #include "microscope/drive/drive_controller.h"
-#include "microscope/drive/drive_service.h"
 #include "microscope/drive/motor.h"
 #include "microscope/specimen/random.h"
 
 #include <cmath>
+#include <optional>
 #include <utility>
 
 namespace tesmor::microscope {
@@ -59,7 +60,6 @@ struct VirtualMicroscope::Parts {
           scene(makeScene()),
           motor(settings.motor, TimeScale{settings.timeScale}, std::llround(best) + settings.startOffset),
           sensor(seedOf(settings, NOISE_SEED), settings.photos ? 0 : settings.noise), controller(motor, gate),
-          service(controller, settings.unit),
           camera({settings.framesPerSecond,
                   TimeScale{settings.timeScale},
                   {settings.motion, seedOf(settings, MOTION_SEED), best, objective.depthOfFieldSteps()}},
@@ -99,7 +99,7 @@ struct VirtualMicroscope::Parts {
     AcknowledgementGate gate;
     const Sensor sensor;
     DriveController controller;
-    DriveService service;
+    std::optional<service::DriveService> service; // while started
     Camera camera;
     bool started = false;
 };
@@ -117,14 +117,14 @@ void VirtualMicroscope::start(FrameSink sink)
         return;
     parts_->controller.clearLog();
     parts_->controller.reappear();
-    parts_->service.start();
+    parts_->service.emplace(parts_->controller, parts_->settings.unit);
     parts_->camera.start(std::move(sink));
     parts_->started = true;
 }
 
 void VirtualMicroscope::stop() noexcept
 {
-    parts_->service.stop();
+    parts_->service.reset();
     parts_->camera.stop();
     parts_->started = false;
 }

@@ -4,6 +4,7 @@
 #include "protocol/drive_request.h"
 #include "protocol/drive_socket.h"
 
+#include <cerrno>
 #include <poll.h>
 
 namespace tesmor::apps {
@@ -22,10 +23,11 @@ public:
     Socket(const Socket&) = delete;
     Socket& operator=(const Socket&) = delete;
 
-    bool connectTo(unsigned unit) const
+    // 0 or the error.
+    int connectTo(unsigned unit) const
     {
         const DriveAddress address(unit);
-        return connect(descriptor_, address.get(), address.length()) == 0;
+        return connect(descriptor_, address.get(), address.length()) == 0 ? 0 : errno;
     }
 
     std::optional<uid_t> peer() const
@@ -62,7 +64,10 @@ std::vector<DriveUnit> findDriveUnits()
     std::vector<DriveUnit> units;
     for (unsigned number = 0; number < MAX_DRIVE_UNITS; ++number) {
         const Socket socket;
-        if (!socket.connectTo(number))
+        const int error = socket.connectTo(number);
+        if (error == EAGAIN) // others wait already for a service that lets nobody in
+            units.push_back({number, DriveState::silent, 0});
+        if (error != 0)
             continue;
         const std::optional<uid_t> owner = socket.peer();
         units.push_back({number, isTrusted(owner) ? socket.ask() : DriveState::foreign, owner.value_or(0)});

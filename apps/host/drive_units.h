@@ -1,4 +1,5 @@
-// The focus drives of this machine, looked for as any host may do it: on the drive link itself.
+// The focus drives of this machine, looked for as any host may do it: on the drive link itself. Who does not open a drive
+// holds nothing, so looking takes no drive away from anybody.
 #pragma once
 
 #include <sys/types.h>
@@ -17,7 +18,7 @@ enum class DriveState {
 struct DriveUnit {
     unsigned number; // 0 to 15
     DriveState state;
-    uid_t owner; // the user as whom its service runs
+    uid_t owner; // the user as whom its service runs; of a silent one it may be unknown, and 0
 };
 
 // All units that exist, lowest first; the library takes the first of them that is not foreign. Nothing moves. Blocks for

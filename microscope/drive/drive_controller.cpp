@@ -23,8 +23,7 @@ bool use(int& count)
 
 DriveController::DriveController(Motor& motor, AcknowledgementGate& gate) : motor_(motor), gate_(gate) {}
 
-DriveController::Reaction DriveController::request(std::uint32_t code, std::span<const std::uint8_t> input,
-                                                   Clock::time_point now)
+Reaction DriveController::request(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now)
 {
     std::lock_guard guard(mutex_);
     const Reaction reaction = react(code, input, now);
@@ -34,8 +33,7 @@ DriveController::Reaction DriveController::request(std::uint32_t code, std::span
     return reaction;
 }
 
-DriveController::Reaction DriveController::react(std::uint32_t code, std::span<const std::uint8_t> input,
-                                                 Clock::time_point now)
+Reaction DriveController::react(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now)
 {
     if (vanished_ || std::exchange(faults_.vanishAtRequest, false)) {
         vanished_ = true;

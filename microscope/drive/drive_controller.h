@@ -11,6 +11,7 @@
 // Any thread; times are given so that a test need not wait.
 #pragma once
 
+#include "drive_service/motor_controller.h"
 #include "microscope/drive/acknowledgement_gate.h"
 #include "microscope/drive/faults.h"
 #include "microscope/drive/motor.h"
@@ -26,39 +27,24 @@
 
 namespace tesmor::microscope {
 
-class DriveController {
+using service::Event;
+using service::Reaction;
+
+class DriveController : public service::MotorController {
 public:
-    struct Reaction {
-        Answer answer;
-        bool rubbish; // the transport is to send meaningless packets before the reply
-    };
-
-    enum class Event {
-        acknowledgement, // send ACKNOWLEDGEMENT_BYTE
-        vanish,          // cut the link for good
-    };
-
-    static constexpr std::uint8_t ACKNOWLEDGEMENT_BYTE = 0x06;
-
     DriveController(Motor& motor, AcknowledgementGate& gate);
 
-    Reaction request(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now);
-
-    // When the next event is due; none when nothing is owed. Changes with `request`, `emitDue` and `forgetEvents`.
-    std::optional<Clock::time_point> nextEventTime() const;
-
-    // Hands each event that is due by `now` to `emit`, which may call forgetEvents.
-    void emitDue(Clock::time_point now, const std::function<void(Event)>& emit);
-
-    // Drops what is owed; to be called when the client has gone. Its move runs on.
-    void forgetEvents();
+    Reaction request(std::uint32_t code, std::span<const std::uint8_t> input, Clock::time_point now) override;
+    std::optional<Clock::time_point> nextEventTime() const override;
+    void emitDue(Clock::time_point now, const std::function<void(Event)>& emit) override;
+    void forgetEvents() override;
 
     void setFaults(const Faults& faults);
     std::vector<LoggedRequest> log() const;
     void clearLog();
 
     // Set by a vanishing fault, until `reappear`; every request is then answered by `vanish`.
-    bool hasVanished() const;
+    bool hasVanished() const override;
     void reappear();
 
 private:

@@ -1,18 +1,15 @@
 // What the drive was asked for, and what it answered.
 #pragma once
 
+#include "drive_service/motor_controller.h"
+
 #include <chrono>
 #include <cstdint>
 #include <vector>
 
 namespace tesmor::microscope {
 
-enum class Answer {
-    refused,
-    accepted,
-    none,   // no reply is sent
-    vanish, // no reply is sent and the link is cut for good
-};
+using service::Answer;
 
 struct LoggedRequest {
     std::chrono::steady_clock::time_point time; // real time of its arrival

@@ -6,18 +6,20 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-namespace tesmor::microscope {
+namespace tesmor::service {
 
 void PrintTo(Answer answer, std::ostream* out)
 {
     *out << std::array{"refused", "accepted", "none", "vanish"}[static_cast<std::size_t>(answer)];
 }
 
+} // namespace tesmor::service
+
+namespace tesmor::microscope {
 namespace {
 
 using namespace std::chrono_literals;
 using Bytes = std::vector<std::uint8_t>;
-using Event = DriveController::Event;
 
 const Bytes FORWARD_500{0, 2, 0, 0, 0xD1, 0, 0x60, 0, 0xF4, 0x01};
 const Bytes ZERO{0, 0, 0, 0};

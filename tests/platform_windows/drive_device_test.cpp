@@ -2,13 +2,15 @@
 #include "platform/drive_device.h"
 
 #include "drive/focus_drive.h"
-#include "microscope/drive/drive_service.h"
-#include "microscope/drive/windows/driver/protocol.h"
-#include "microscope/drive/windows/handle.h"
+#include "drive_service/drive_service.h"
+#include "drive_service/windows/driver/protocol.h"
+#include "drive_service/windows/handle.h"
+#include "microscope/drive/drive_controller.h"
 #include "protocol/drive_request.h"
 
 #include <array>
 #include <gtest/gtest.h>
+#include <optional>
 #include <thread>
 
 namespace tesmor::test {
@@ -16,7 +18,7 @@ namespace {
 
 using namespace platform;
 using namespace std::chrono_literals;
-using microscope::Handle;
+using service::Handle;
 
 constexpr std::uint32_t HOURS_MS = 10'000'000; // longer than a test may take
 constexpr DriveRequest OPEN_REQUEST = makeDriveRequest(DRIVE_REQ_OPEN, 0, 0);
@@ -32,10 +34,10 @@ public:
     {
         BraskdrvAttach attach{unit, 0};
         DWORD count = 0;
-        microscope::Overlapped operation;
+        service::Overlapped operation;
         if (!operation.finish(control_.get(), DeviceIoControl(control_.get(), BRASKDRV_ATTACH, &attach, sizeof attach,
                                                               nullptr, 0, &count, operation.get())))
-            microscope::throwLastError("attach");
+            service::throwLastError("attach");
     }
 
 private:
@@ -46,7 +48,6 @@ class DriveDeviceTest : public ::testing::Test {
 protected:
     DriveDeviceTest()
     {
-        service.start();
         device = systemDriveUnits().open(UNIT);
     }
 
@@ -60,7 +61,7 @@ protected:
     microscope::Motor motor{{.stepsPerSecond = 0}, {1}, 0};
     microscope::AcknowledgementGate gate;
     microscope::DriveController controller{motor, gate};
-    microscope::DriveService service{controller, UNIT};
+    std::optional<service::DriveService> drive{std::in_place, controller, UNIT};
     std::unique_ptr<DriveDevice> device;
     Event completion{Reset::manual, false};
 };
@@ -156,13 +157,13 @@ TEST_F(DriveDeviceTest, ManyReadsOutliveTheirDeviceAndItsEvent)
 
 TEST_F(DriveDeviceTest, ADriverThatGoesAwayEndsTheRead)
 {
-    std::jthread end([this] { service.stop(); });
+    std::jthread end([this] { drive.reset(); });
     EXPECT_FALSE(device->readByte(&completion, HOURS_MS));
     end.join();
     EXPECT_FALSE(systemDriveUnits().exists(UNIT));
     EXPECT_FALSE(device->control(IOCTL_DRIVE_REQUEST, OPEN_REQUEST));
     EXPECT_FALSE(device->readByte(&completion, HOURS_MS));
-    service.start();
+    drive.emplace(controller, UNIT);
     EXPECT_FALSE(device->control(IOCTL_DRIVE_REQUEST, OPEN_REQUEST)) << "it stays gone for who had it open";
 }
 

@@ -1,5 +1,6 @@
 // A manual move over the system's own drive link, down to the controller.
-#include "microscope/drive/drive_service.h"
+#include "drive_service/drive_service.h"
+#include "microscope/drive/drive_controller.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
 #include "tesmor.h"
@@ -21,8 +22,7 @@ TEST_F(DriveMoveTest, SendsItsPacketsToTheFirstUnitThatOpens)
     microscope::Motor motor{{.stepsPerSecond = 0}, microscope::TimeScale{1}, 0};
     microscope::AcknowledgementGate gate;
     microscope::DriveController controller{motor, gate};
-    microscope::DriveService service{controller, 2}; // units 0 and 1 are absent
-    service.start();
+    const service::DriveService service{controller, 2}; // units 0 and 1 are absent
     CallRecorder recorder;
     ASSERT_EQ(tesmor_init(), 1);
     tesmor_manual(90, CallRecorder::onDone, &recorder);

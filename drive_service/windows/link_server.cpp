@@ -1,16 +1,16 @@
-// The drive link's service end: it plays a unit of the simulated driver braskdrv, which must run. One thread answers
-// requests, and another, which may wait for the driver, hands over acknowledgements; see driver/protocol.h.
-#include "microscope/drive/drive_service.h"
+// Plays a unit of the simulated driver braskdrv, which must run. One thread answers requests, and another, which may wait
+// for the driver, hands over acknowledgements; see driver/protocol.h.
+#include "drive_service/drive_service.h"
 
-#include "microscope/drive/windows/driver/protocol.h"
-#include "microscope/drive/windows/handle.h"
+#include "drive_service/windows/driver/protocol.h"
+#include "drive_service/windows/handle.h"
 
 #include <algorithm>
 #include <atomic>
 #include <string>
 #include <thread>
 
-namespace tesmor::microscope {
+namespace tesmor::service {
 
 namespace {
 
@@ -61,7 +61,7 @@ DWORD millisecondsUntil(std::optional<Clock::time_point> time)
 
 class DriveService::Server {
 public:
-    Server(DriveController& controller, unsigned unit)
+    Server(MotorController& controller, unsigned unit)
         : controller_(controller), accepted_(makeAnswerEvent(unit, BRASKDRV_ACCEPTED)),
           refused_(makeAnswerEvent(unit, BRASKDRV_REFUSED)), vanished_(makeAnswerEvent(unit, BRASKDRV_VANISHED)),
           requests_(makeRequestPipe(unit)), control_(openControlDevice()), stopSignal_(makeEvent(true)),
@@ -70,6 +70,7 @@ public:
         const BraskdrvAttach attach{unit, 1};
         if (!control(BRASKDRV_ATTACH, &attach, sizeof attach))
             throwLastError("drive unit " + std::to_string(unit));
+        controller_.setWake([this] { SetEvent(owedSignal_.get()); });
         answering_ = std::thread([this] { answerRequests(); });
         acknowledging_ = std::thread([this] { sendEvents(); });
     }
@@ -80,6 +81,7 @@ public:
         SetEvent(stopSignal_.get());
         answering_.join();
         acknowledging_.join();
+        controller_.setWake({});
         controller_.forgetEvents();
     }
 
@@ -132,21 +134,21 @@ private:
             const DWORD limit = millisecondsUntil(controller_.nextEventTime());
             if (WaitForMultipleObjects(2, signals.data(), FALSE, limit) == WAIT_OBJECT_0)
                 return;
-            controller_.emitDue(Clock::now(), [this](DriveController::Event event) { emit(event); });
+            controller_.emitDue(Clock::now(), [this](Event event) { emit(event); });
         }
     }
 
-    void emit(DriveController::Event event)
+    void emit(Event event)
     {
-        if (event == DriveController::Event::vanish) {
+        if (event == Event::vanish) {
             control(BRASKDRV_DETACH, nullptr, 0);
             return;
         }
-        const BraskdrvAcknowledgement acknowledgement{client_, DriveController::ACKNOWLEDGEMENT_BYTE};
+        const BraskdrvAcknowledgement acknowledgement{client_, ACKNOWLEDGEMENT_BYTE};
         control(BRASKDRV_ACKNOWLEDGE, &acknowledgement, sizeof acknowledgement);
     }
 
-    DriveController& controller_;
+    MotorController& controller_;
     Handle accepted_; // the answers to requests
     Handle refused_;
     Handle vanished_;
@@ -159,22 +161,11 @@ private:
     std::thread acknowledging_;
 };
 
-DriveService::DriveService(DriveController& controller, unsigned unit) : controller_(controller), unit_(unit) {}
-
-DriveService::~DriveService()
+DriveService::DriveService(MotorController& controller, unsigned unit)
+    : server_(std::make_unique<Server>(controller, unit))
 {
-    stop();
 }
 
-void DriveService::start()
-{
-    if (!server_)
-        server_ = std::make_unique<Server>(controller_, unit_);
-}
+DriveService::~DriveService() = default;
 
-void DriveService::stop() noexcept
-{
-    server_.reset();
-}
-
-} // namespace tesmor::microscope
+} // namespace tesmor::service

@@ -14,7 +14,7 @@
 #include <system_error>
 #include <utility>
 
-namespace tesmor::microscope {
+namespace tesmor::service {
 
 [[noreturn]] inline void throwLastError(const std::string& what)
 {
@@ -89,4 +89,4 @@ private:
     OVERLAPPED overlapped_{};
 };
 
-} // namespace tesmor::microscope
+} // namespace tesmor::service

@@ -1,16 +1,25 @@
-// The sockets of the drive link, as its service uses them.
+// A file descriptor that closes itself.
 #pragma once
 
-#include <sys/socket.h>
+#include <cerrno>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
-namespace tesmor::microscope {
+namespace tesmor::service {
 
 // Owns a file descriptor, or none.
 class Descriptor {
 public:
     explicit Descriptor(int fd = -1) noexcept : fd_(fd) {}
+
+    // Throws std::system_error, about `what`, when the call that made `fd` has failed.
+    static Descriptor checked(int fd, const char* what)
+    {
+        if (fd < 0)
+            throw std::system_error(errno, std::generic_category(), what);
+        return Descriptor(fd);
+    }
 
     Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
 
@@ -47,13 +56,4 @@ private:
     int fd_;
 };
 
-// Throws std::system_error, about `what`, when `fd` is negative.
-Descriptor checkedDescriptor(int fd, const char* what);
-
-// A socket that does not block and listens for clients of the unit. Throws std::system_error when the unit is taken.
-Descriptor listenOnUnit(unsigned unit);
-
-// The next client that waits, not blocking; none when there is none, or when it runs neither as root nor as this user.
-Descriptor acceptTrusted(const Descriptor& listener);
-
-} // namespace tesmor::microscope
+} // namespace tesmor::service

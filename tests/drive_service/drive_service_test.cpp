@@ -1,11 +1,12 @@
 // The drive service, byte for byte, as a client on the socket sees it.
-#include "microscope/drive/drive_service.h"
+#include "drive_service/drive_service.h"
 
+#include "microscope/drive/drive_controller.h"
 #include "platform_linux/raw_service.h"
 #include "support/child_process.h"
 #include "support/library_test.h"
 
-namespace tesmor::microscope {
+namespace tesmor::service {
 namespace {
 
 using namespace std::chrono_literals;
@@ -14,12 +15,13 @@ using test::Packet;
 constexpr unsigned UNIT = 13;
 
 const Packet OPEN{0x59, 0x20, 0x22, 0, 0, 2, 0, 0, 0xD2, 0, 0, 0, 0, 0};
+const Packet CLOSE{0x59, 0x20, 0x22, 0, 0, 2, 0, 0, 0xD3, 0, 0, 0, 0, 0};
 const Packet MOVE_1000{0x59, 0x20, 0x22, 0, 0, 2, 0, 0, 0xD1, 0, 0x60, 0, 0xE8, 0x03};
 const Packet RESET{0x35, 0x20, 0x22, 0, 0, 0, 0, 0};
 const Packet REQUEST_ACCEPTED{0x59, 0x20, 0x22, 0, 1};
 const Packet REQUEST_REFUSED{0x59, 0x20, 0x22, 0, 0};
 const Packet RESET_ACCEPTED{0x35, 0x20, 0x22, 0, 1};
-const Packet ACKNOWLEDGEMENT{DriveController::ACKNOWLEDGEMENT_BYTE};
+const Packet ACKNOWLEDGEMENT{ACKNOWLEDGEMENT_BYTE};
 const Packet END_OF_FILE;
 
 struct Client : test::RawClient {
@@ -28,14 +30,9 @@ struct Client : test::RawClient {
 
 class DriveServiceTest : public ::testing::Test {
 protected:
-    DriveServiceTest()
-    {
-        service_.start();
-    }
-
-    Motor motor_{{.stepsPerSecond = 20'000}, TimeScale{1}, 0}; // MOVE_1000 takes 50 ms
-    AcknowledgementGate gate_;
-    DriveController controller_{motor_, gate_};
+    microscope::Motor motor_{{.stepsPerSecond = 20'000}, microscope::TimeScale{1}, 0}; // MOVE_1000 takes 50 ms
+    microscope::AcknowledgementGate gate_;
+    microscope::DriveController controller_{motor_, gate_};
     DriveService service_{controller_, UNIT};
 };
 
@@ -63,6 +60,24 @@ TEST_F(DriveServiceTest, AnswersEveryPacketAndAcknowledgesAfterTheReply)
     for (const Case& each : malformed)
         EXPECT_EQ(client.ask(each.request), each.reply);
     EXPECT_EQ(client.ask(OPEN), REQUEST_ACCEPTED);
+}
+
+TEST_F(DriveServiceTest, IsHeldByTheOneThatHasOpenedIt)
+{
+    const Client lister;
+    const Client waiting;
+    const Client first;
+    EXPECT_EQ(lister.ask(RESET), RESET_ACCEPTED);
+    EXPECT_EQ(first.ask(OPEN), REQUEST_ACCEPTED) << "who has only connected holds nothing";
+    EXPECT_EQ(lister.ask(RESET), RESET_ACCEPTED);
+    EXPECT_EQ(lister.ask(OPEN), END_OF_FILE);
+    EXPECT_EQ(Client().receive(), END_OF_FILE);
+    EXPECT_EQ(first.ask(CLOSE), REQUEST_ACCEPTED);
+
+    EXPECT_EQ(waiting.ask(OPEN), REQUEST_ACCEPTED) << "the first one has given it back";
+    EXPECT_EQ(first.ask(MOVE_1000), END_OF_FILE);
+    EXPECT_EQ(waiting.ask(MOVE_1000), REQUEST_ACCEPTED);
+    EXPECT_EQ(waiting.receive(), ACKNOWLEDGEMENT);
 }
 
 TEST_F(DriveServiceTest, ServesOneClientButNeverTurnsItsSuccessorAway)
@@ -109,4 +124,4 @@ TEST_F(DriveServiceTest, TurnsAnotherUserAway)
 }
 
 } // namespace
-} // namespace tesmor::microscope
+} // namespace tesmor::service
