@@ -34,21 +34,21 @@ class CameraSource;
 
 class Camera {
 public:
-    // Opens a camera of this computer by its name; see openDevice in camera_list.h. Returns within 10 seconds. Throws
+    // Opens a camera of this computer by its name; see openDevice in camera_list.h. Returns within 20 seconds. Throws
     // CameraError.
     explicit Camera(const std::string& name);
 
     // Opens what `make` makes, on the camera's own thread.
     explicit Camera(const DeviceMaker& make);
 
-    // Stops and closes, within a second after the sinks' call in hand.
+    // Stops and closes, within half a second after the sinks' call in hand.
     ~Camera();
 
     Camera(const Camera&) = delete;
     Camera& operator=(const Camera&) = delete;
 
     // Starts the stream; does nothing when started. The failure of a start is told as LOST. Returns at once, or, after a
-    // stop that the camera has not finished, within 10 seconds. Throws CameraError when the camera is lost.
+    // stop that the camera has not finished, within 20 seconds. Throws CameraError when the camera is lost.
     void start(FrameSink frameSink, EventSink eventSink);
 
     // Returns within half a second after the sinks' call in hand. No call of a sink is under way or will come then.
@@ -58,7 +58,7 @@ public:
     // Returns at once with what the camera last told; none where there is no such control.
     std::optional<ControlState> control(Control control) const;
 
-    // Returns at once; takes effect within a tenth of a second or the time of a frame.
+    // Returns at once. Takes effect before the stream starts, or within a tenth of a second or the time of a frame.
     void setControl(Control control, double value);
 
 private:

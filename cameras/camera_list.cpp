@@ -18,21 +18,23 @@ namespace {
 // The kinds of cameras beside the virtual one, in the order in which they are asked.
 struct Kind {
     const char* product;
+    const char* cameras;
     std::string (*version)();
     std::vector<CameraInfo> (*list)();
     std::unique_ptr<Device> (*open)(const std::string& name); // null: not one of theirs
 };
 
-constexpr Kind ABSENT{nullptr, nullptr, nullptr, nullptr};
+constexpr const char* GSTREAMER_CAMERAS = "USB cameras, streams, files";
+constexpr const char* ARAVIS_CAMERAS = "GigE Vision, USB3 Vision";
 #ifdef TESMOR_CAMERAS_GSTREAMER
-constexpr Kind GSTREAMER{"GStreamer", gstreamerVersion, listGStreamerCameras, openGStreamerDevice};
+constexpr Kind GSTREAMER{"GStreamer", GSTREAMER_CAMERAS, gstreamerVersion, listGStreamerCameras, openGStreamerDevice};
 #else
-constexpr Kind GSTREAMER = ABSENT;
+constexpr Kind GSTREAMER{"GStreamer", GSTREAMER_CAMERAS, nullptr, nullptr, nullptr};
 #endif
 #ifdef TESMOR_CAMERAS_ARAVIS
-constexpr Kind ARAVIS{"Aravis", aravisVersion, listGenicamCameras, openGenicamDevice};
+constexpr Kind ARAVIS{"Aravis", ARAVIS_CAMERAS, aravisVersion, listGenicamCameras, openGenicamDevice};
 #else
-constexpr Kind ARAVIS = ABSENT;
+constexpr Kind ARAVIS{"Aravis", ARAVIS_CAMERAS, nullptr, nullptr, nullptr};
 #endif
 
 std::unique_ptr<Device> openVirtualDevice()
@@ -69,17 +71,19 @@ std::unique_ptr<Device> openDevice(const std::string& name)
         if (auto device = kind.open(name))
             return device;
     }
-    throw CameraError("there is no such camera; see whether it is plugged in, and which names there are");
+    throw CameraError("no such camera; plug it in, or choose one that is listed");
 }
 
 std::string kindsOfCameras()
 {
-    std::string kinds = "virtual";
+    std::string there = "virtual", missing;
     for (const Kind& kind : {GSTREAMER, ARAVIS}) {
         if (kind.version != nullptr)
-            kinds += std::string(", ") + kind.product + " " + kind.version();
+            there += std::string(", ") + kind.product + " " + kind.version();
+        else
+            missing += std::string("; built without ") + kind.product + " (" + kind.cameras + ")";
     }
-    return kinds;
+    return there + missing;
 }
 
 } // namespace tesmor::cameras

@@ -28,7 +28,7 @@ std::vector<CameraInfo> listCameras();
 // For a Camera, on its thread. Throws CameraError.
 std::unique_ptr<Device> openDevice(const std::string& name);
 
-// "virtual, GStreamer 1.22.0, Aravis 0.8.26", or which are left out.
+// "virtual, GStreamer 1.22.0; built without Aravis (GigE Vision, USB3 Vision)"
 std::string kindsOfCameras();
 
 } // namespace tesmor::cameras

@@ -10,9 +10,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto OPEN_LIMIT = 10s;
+constexpr auto OPEN_LIMIT = 20s; // a camera that is in use takes some 6 seconds to say so
 constexpr auto STOP_LIMIT = 500ms;
-constexpr auto CLOSE_LIMIT = 1s;
+constexpr auto CLOSE_LIMIT = 500ms;
 constexpr auto TICK = 50ms; // between two looks at what is wished
 
 std::size_t indexOf(Control control)
@@ -38,7 +38,7 @@ void CameraSource::awaitOpen()
         return;
     wish_ = Wish::CLOSE;
     changed_.notify_all();
-    throw CameraError(answered ? failure_ : "the camera does not answer; unplug it and plug it in again");
+    throw CameraError(answered ? failure_ : "the camera does not respond; unplug it and plug it in again");
 }
 
 void CameraSource::start(FrameSink frameSink, EventSink eventSink)
@@ -47,7 +47,7 @@ void CameraSource::start(FrameSink frameSink, EventSink eventSink)
     if (wish_ == Wish::STREAM && state_ == State::STREAMING)
         return;
     if (!changed_.wait_for(lock, OPEN_LIMIT, [this] { return state_ != State::STREAMING; }))
-        throw CameraError("the camera does not end its last stream; unplug it and plug it in again");
+        throw CameraError("the camera does not stop its last stream; unplug it and plug it in again");
     if (state_ != State::RESTING)
         throw CameraError("the camera is lost; plug it in and open it again");
     frameSink_ = std::move(frameSink);
@@ -111,18 +111,19 @@ void CameraSource::run(const DeviceMaker& make)
     setState(State::CLOSED);
 }
 
+// What was set before a start is in effect when the stream begins.
 CameraSource::Wish CameraSource::awaitWish()
 {
-    std::unique_lock lock(mutex_);
     while (true) {
-        changed_.wait(lock, [this] {
-            return wish_ == Wish::CLOSE || (state_ != State::LOST && (wish_ == Wish::STREAM || isControlWished()));
-        });
-        if (wish_ != Wish::REST)
-            return wish_;
-        lock.unlock();
+        {
+            std::unique_lock lock(mutex_);
+            changed_.wait(lock, [this] {
+                return wish_ == Wish::CLOSE || (state_ != State::LOST && (wish_ == Wish::STREAM || isControlWished()));
+            });
+            if (wish_ == Wish::CLOSE || !isControlWished())
+                return wish_;
+        }
         setControls();
-        lock.lock();
     }
 }
 

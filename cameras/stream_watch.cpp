@@ -18,7 +18,7 @@ std::optional<CameraNews> StreamWatch::frameComes(std::int32_t width, std::int32
     width_ = width;
     height_ = height;
     if (resized)
-        return CameraNews{CameraEvent::RESIZED, "the camera's frames are now of " + std::to_string(width) + " x " +
+        return CameraNews{CameraEvent::RESIZED, "the camera's frames are now " + std::to_string(width) + " x " +
                                                     std::to_string(height) + " pixels"};
     if (resumed)
         return CameraNews{CameraEvent::RESUMED, "the camera sends frames again"};
@@ -31,7 +31,7 @@ std::optional<CameraNews> StreamWatch::noFrame(double exposure, Clock::time_poin
         return std::nullopt;
     stalled_ = true;
     return CameraNews{CameraEvent::STALLED,
-                      "the camera sends no frames; check its cable, and its trigger if it has one"};
+                      "the camera is not sending frames; check its cable, and its trigger if it has one"};
 }
 
 } // namespace tesmor::cameras

@@ -46,10 +46,11 @@ build the library into a viewer.")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME tesmor)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION science)
-set(CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS qt6-image-formats-plugins)
+set(CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS
+  "qt6-image-formats-plugins, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good")
 set(CPACK_COMPONENT_COMMAND_DEPENDS runtime)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION
-  "Merges focus stacks, turns the focus of a microscope camera by hand, and
+  "Merges focus stacks, focuses and captures with a camera and a focus drive, and
 simulates a microscope for those who have none at hand.")
 
 if(TARGET tesmor_python)

@@ -15,6 +15,15 @@ QString magnificationList()
     return names.join(", ") + " or " + last;
 }
 
+QString spacingUnitList()
+{
+    QStringList units;
+    for (const FocusObjective& objective : FOCUS_OBJECTIVES)
+        units += QString("%1x: %2").arg(objective.magnification).arg(objective.stepsPerUnit);
+    units.first() += " motor steps";
+    return units.join(", ");
+}
+
 std::uint16_t parseMagnification(const QString& text)
 {
     for (const FocusObjective& objective : FOCUS_OBJECTIVES) {

@@ -31,6 +31,9 @@ constexpr int stepsPerUnit(std::uint16_t magnification)
 // "4, 10, 20, 40, 60, 80 or 100"
 QString magnificationList();
 
+// "4x: 200 motor steps, 10x: 120, ..."
+QString spacingUnitList();
+
 // From the command line's --magnification. Throws UsageError unless it is in the table.
 std::uint16_t parseMagnification(const QString& text);
 

@@ -1,5 +1,6 @@
 #include "tesmor/command.h"
 
+#include "cameras/camera_list.h"
 #include "terminal/errors.h"
 #include "terminal/interrupt.h"
 #include "tesmor.h"
@@ -22,11 +23,15 @@ struct Subcommand {
 };
 
 constexpr Subcommand SUBCOMMANDS[] = {
+    {"cameras", "list the cameras", runCameras},
     {"demo", "run a complete session on a simulated microscope", runDemo},
     {"devices", "list the focus drives", runDevices},
+    {"focus", "focus a camera's image with a focus drive", runFocus},
     {"fuse", "merge a focus stack into one image that is sharp throughout", runFuse},
     {"microscope", "simulate a microscope, with a focus drive and live frames", runMicroscope},
     {"move", "turn the focus by hand", runMove},
+    {"snap", "take one image with a camera", runSnap},
+    {"stack", "capture a focus stack with a camera and a focus drive", runStack},
 };
 
 constexpr const char* USAGE = "Usage: tesmor SUBCOMMAND [ARGUMENT]...\n"
@@ -91,7 +96,7 @@ int runCommand(int argc, char** argv)
         return STATUS_DONE;
     }
     if (name == "--version") {
-        std::printf("tesmor %s\n", TESMOR_VERSION);
+        std::printf("tesmor %s\nCameras: %s\n", TESMOR_VERSION, cameras::kindsOfCameras().c_str());
         return STATUS_DONE;
     }
     if (const Subcommand* subcommand = findSubcommand(name))

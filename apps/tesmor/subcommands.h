@@ -6,10 +6,14 @@
 
 namespace tesmor::apps {
 
+int runCameras(int argc, char** argv);
 int runDemo(int argc, char** argv);
 int runDevices(int argc, char** argv);
+int runFocus(int argc, char** argv);
 int runFuse(int argc, char** argv);
 int runMicroscope(int argc, char** argv);
 int runMove(int argc, char** argv);
+int runSnap(int argc, char** argv);
+int runStack(int argc, char** argv);
 
 } // namespace tesmor::apps

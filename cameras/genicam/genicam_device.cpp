@@ -12,7 +12,7 @@ constexpr std::size_t FEWEST_BUFFERS = 4;
 constexpr std::size_t MOST_BUFFERS = 32;
 constexpr int SOCKET_BUFFER_BYTES = 32'000'000; // as far as the system lets an ordinary user
 
-constexpr const char* REMEDY = "see whether it is switched on, and close other programs that use it";
+constexpr const char* REMEDY = "check its power and its cable, and close other programs that use it";
 
 // Takes what Aravis has to say of a failure.
 class Failure {
@@ -55,7 +55,7 @@ GenicamDevice::GenicamDevice(const std::string& id)
     failure.throwIfAny();
     ArvDevice* const device = arv_camera_get_device(camera_.get());
     if (ARV_IS_GV_DEVICE(device) && arv_gv_device_is_controller(ARV_GV_DEVICE(device)) == FALSE)
-        throw CameraError("another program uses the camera; close that");
+        throw CameraError("another program is using the camera; close that program");
     const auto onLost = +[](ArvDevice*, gpointer lost) { *static_cast<std::atomic<bool>*>(lost) = true; };
     g_signal_connect(device, "control-lost", G_CALLBACK(onLost), &lost_);
     arv_camera_clear_triggers(camera_.get(), failure); // where it has any
@@ -109,7 +109,7 @@ void GenicamDevice::start()
 bool GenicamDevice::next(std::chrono::milliseconds limit, const FrameSink& sink)
 {
     if (lost_)
-        throw CameraError("the camera does not answer any more; see whether it is switched on and its cable is in");
+        throw CameraError("the camera does not respond any more; check its power and its cable");
     ArvBuffer* const buffer = newestBuffer(limit);
     if (buffer == nullptr)
         return false;

@@ -12,16 +12,16 @@ const char* resourceRemedy(int code)
 {
     switch (code) {
     case GST_RESOURCE_ERROR_NOT_FOUND:
-        return "see whether it is plugged in, and its name right";
+        return "check that it is plugged in and its name is right";
     case GST_RESOURCE_ERROR_BUSY:
         return "close the other program that uses it";
     case GST_RESOURCE_ERROR_NOT_AUTHORIZED:
         return "ask for access to it; for a camera, to be put into the group video";
     case GST_RESOURCE_ERROR_OPEN_READ:
     case GST_RESOURCE_ERROR_OPEN_READ_WRITE:
-        return "see whether it is plugged in, and whether you may use it (group video)";
+        return "check that it is plugged in and that you may use it (group video)";
     default:
-        return "plug it in again, or see whether it still sends";
+        return "plug it in again, or check that it is still sending";
     }
 }
 
@@ -32,7 +32,7 @@ const char* remedyFor(const GError& error)
     if (error.domain == GST_CORE_ERROR && error.code == GST_CORE_ERROR_MISSING_PLUGIN)
         return "install the GStreamer plugin for it: the package gstreamer1.0-plugins-bad, -ugly or gstreamer1.0-libav";
     if (error.domain == GST_STREAM_ERROR)
-        return "see whether it is a picture at all; for a pipeline, add ! decodebin, or a plugin for its kind";
+        return "check that it is a video; in a pipeline, decode it first, as with ! decodebin";
     return "try it with gst-launch-1.0, of the package gstreamer1.0-tools";
 }
 

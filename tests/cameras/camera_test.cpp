@@ -1,6 +1,6 @@
 // A camera whose device does as the test says: nobody waits for it, and after a stop there is silence.
 #include "cameras/stream_watch.h"
-#include "tests/cameras/watched_camera.h"
+#include "cameras/watched_camera.h"
 
 #include <atomic>
 #include <future>

@@ -33,16 +33,6 @@ std::optional<int> optionalInteger(const QCommandLineParser& parser, const QStri
     return static_cast<int>(integerOf("--" + name, parser.value(name), least, most));
 }
 
-// "4x: 200 motor steps, 10x: 120, ..."
-QString spacingUnitList()
-{
-    QStringList units;
-    for (const FocusObjective& objective : FOCUS_OBJECTIVES)
-        units += QString("%1x: %2").arg(objective.magnification).arg(objective.stepsPerUnit);
-    units.first() += " motor steps";
-    return units.join(", ");
-}
-
 } // namespace
 
 std::optional<DemoOptions> parseDemoOptions(const QStringList& arguments)
