@@ -1,59 +1,120 @@
 #include "bare_transforms.h"
 
-#include "platform/memory.h"
+#include "fusion/sharpen_engine.h"
 
+#include <algorithm>
 #include <random>
 
 namespace tesmor::bench {
 
-BareTransforms::BareTransforms(int width, int height, int images) : width_(width), height_(height), images_(images)
+namespace {
+
+std::size_t product(int width, int height)
 {
-    for (fftw_complex** array : {&plane_, &spectrum_}) {
-        *array = fftw_alloc_complex(pixelCount());
-        platform::preferLargePages(*array, pixelCount() * sizeof(fftw_complex));
-    }
+    return static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+}
+
+void fillWithNoise(double* values, std::size_t count)
+{
+    std::minstd_rand random;
+    std::generate_n(values, count, [&] { return static_cast<double>(random() % 256); });
+}
+
+int transformCount(int images)
+{
+    return 3 * (images + 1);
+}
+
+} // namespace
+
+BareTransforms::BareTransforms(int width, int height, int images)
+    : width_(width), height_(height), images_(images), groups_((width / 2 + COLUMN_GROUP) / COLUMN_GROUP),
+      pitch_((groups_ | 1) * COLUMN_GROUP), row_(makePageArray<double>(product(width, 1))),
+      spectrum_(makePageArray<fftw_complex>(product(pitch_, height)))
+{
 }
 
 BareTransforms::~BareTransforms()
 {
     forgetPlans();
-    fftw_free(plane_);
-    fftw_free(spectrum_);
 }
 
 void BareTransforms::plan()
 {
-    forward_ = fftw_plan_dft_2d(height_, width_, plane_, spectrum_, FFTW_FORWARD, FFTW_MEASURE);
-    backward_ = fftw_plan_dft_2d(height_, width_, spectrum_, plane_, FFTW_BACKWARD, FFTW_MEASURE);
+    fftw_complex* columns = spectrum_.get();
+    const auto planGroup = [&](int sign) {
+        return fftw_plan_many_dft(1, &height_, COLUMN_GROUP, columns, nullptr, pitch_, 1, columns, nullptr, pitch_, 1,
+                                  sign, FFTW_MEASURE);
+    };
+    forwardRow_ = fftw_plan_dft_r2c_1d(width_, row_.get(), columns, FFTW_MEASURE);
+    inverseRow_ = fftw_plan_dft_c2r_1d(width_, columns, row_.get(), FFTW_MEASURE);
+    forwardGroup_ = planGroup(FFTW_FORWARD);
+    inverseGroup_ = planGroup(FFTW_BACKWARD);
 }
 
 void BareTransforms::forgetPlans()
 {
-    fftw_destroy_plan(forward_);
-    fftw_destroy_plan(backward_);
-    forward_ = backward_ = nullptr;
+    for (fftw_plan* plan : {&forwardRow_, &inverseRow_, &forwardGroup_, &inverseGroup_}) {
+        fftw_destroy_plan(*plan);
+        *plan = nullptr;
+    }
 }
 
 void BareTransforms::fill()
 {
-    std::minstd_rand random;
-    for (std::size_t i = 0; i < pixelCount(); ++i) {
-        plane_[i][0] = static_cast<double>(random() % 256);
-        plane_[i][1] = 0.0;
-    }
+    fillWithNoise(row_.get(), product(width_, 1));
 }
 
 void BareTransforms::run() const
 {
-    for (int i = 0; i < 3 * (images_ + 1); ++i) {
-        fftw_execute_dft(forward_, plane_, spectrum_);
-        fftw_execute_dft(backward_, spectrum_, plane_);
+    for (int i = 0; i < transformCount(images_); ++i) {
+        for (int y = 0; y < height_; ++y)
+            fftw_execute_dft_r2c(forwardRow_, row_.get(), spectrum_.get() + product(pitch_, y));
+        for (int x = 0; x < groups_ * COLUMN_GROUP; x += COLUMN_GROUP) {
+            fftw_complex* columns = spectrum_.get() + x;
+            fftw_execute_dft(forwardGroup_, columns, columns);
+            fftw_execute_dft(inverseGroup_, columns, columns);
+        }
+        for (int y = 0; y < height_; ++y)
+            fftw_execute_dft_c2r(inverseRow_, spectrum_.get() + product(pitch_, y), row_.get());
     }
 }
 
-std::size_t BareTransforms::pixelCount() const
+WholeTransforms::WholeTransforms(int width, int height, int images)
+    : width_(width), height_(height), images_(images), plane_(makePageArray<double>(product(width, height))),
+      spectrum_(makePageArray<fftw_complex>(product(width / 2 + 1, height)))
 {
-    return static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_);
+}
+
+WholeTransforms::~WholeTransforms()
+{
+    forgetPlans();
+}
+
+void WholeTransforms::plan()
+{
+    forward_ = fftw_plan_dft_r2c_2d(height_, width_, plane_.get(), spectrum_.get(), FFTW_MEASURE);
+    inverse_ = fftw_plan_dft_c2r_2d(height_, width_, spectrum_.get(), plane_.get(), FFTW_MEASURE);
+}
+
+void WholeTransforms::forgetPlans()
+{
+    fftw_destroy_plan(forward_);
+    fftw_destroy_plan(inverse_);
+    forward_ = inverse_ = nullptr;
+}
+
+void WholeTransforms::fill()
+{
+    fillWithNoise(plane_.get(), product(width_, height_));
+}
+
+void WholeTransforms::run() const
+{
+    for (int i = 0; i < transformCount(images_); ++i) {
+        fftw_execute(forward_);
+        fftw_execute(inverse_);
+    }
 }
 
 } // namespace tesmor::bench

@@ -1,13 +1,15 @@
 // The transforms that a fusion cannot do without: three colours, forward and back, for every image and for the mean.
+// Planned with the fusion's flags, on memory that is obtained as the fusion obtains it and was used before.
 #pragma once
 
-#include <cstddef>
+#include "fusion/page_array.h"
+
 #include <cstdint>
 #include <fftw3.h>
 
 namespace tesmor::bench {
 
-// On one plane and one spectrum, obtained as the fusion obtains them and used before, planned with the same flags.
+// Rows through one buffer and columns in groups, as the fusion does it.
 class BareTransforms {
 public:
     // Pixels, images.
@@ -26,15 +28,40 @@ public:
     void run() const;
 
 private:
-    std::size_t pixelCount() const;
-
     int width_;
     int height_;
     int images_;
-    fftw_complex* plane_;
-    fftw_complex* spectrum_;
+    int groups_;
+    int pitch_;
+    PageArray<double> row_;
+    PageArray<fftw_complex> spectrum_;
+    fftw_plan forwardRow_ = nullptr;
+    fftw_plan inverseRow_ = nullptr;
+    fftw_plan forwardGroup_ = nullptr;
+    fftw_plan inverseGroup_ = nullptr;
+};
+
+// Whole planes, with the two-dimensional transforms that FFTW has ready.
+class WholeTransforms {
+public:
+    WholeTransforms(int width, int height, int images);
+    ~WholeTransforms();
+    WholeTransforms(const WholeTransforms&) = delete;
+    WholeTransforms& operator=(const WholeTransforms&) = delete;
+
+    void plan();
+    void forgetPlans();
+    void fill();
+    void run() const;
+
+private:
+    int width_;
+    int height_;
+    int images_;
+    PageArray<double> plane_;
+    PageArray<fftw_complex> spectrum_;
     fftw_plan forward_ = nullptr;
-    fftw_plan backward_ = nullptr;
+    fftw_plan inverse_ = nullptr;
 };
 
 } // namespace tesmor::bench

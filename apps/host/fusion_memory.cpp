@@ -11,7 +11,7 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 64;
+constexpr std::uint64_t FUSION_BYTES_PER_PIXEL = 36;
 constexpr std::uint64_t IMAGE_BYTES_PER_PIXEL = 3;
 
 // Bytes; nothing where the system does not say.

@@ -1,13 +1,11 @@
 #include "fusion/fuse_images.h"
 
 #include "fusion/image_layout.h"
-#include "fusion/pixel_weight.h"
+#include "fusion/plane_rows.h"
 #include "fusion/sharpen_engine.h"
 #include "fusion/smoothing.h"
 #include "fusion/weighted_mean.h"
 #include "tesmor.h"
-
-#include <algorithm>
 
 namespace tesmor {
 
@@ -20,37 +18,33 @@ constexpr std::size_t SLACK_ROWS = 2;
 
 class Fusion {
 public:
-    Fusion(const ImageLayout& layout, std::uint64_t imageCount, const std::atomic<std::int32_t>& runFlag,
-           const FusionProgress& progress) noexcept
-        : layout_(layout), steps_(3 * imageCount + 4), runFlag_(runFlag), progress_(progress),
+    Fusion(const ImageLayout& layout, const std::uint8_t* const* images, std::uint64_t imageCount,
+           const std::atomic<std::int32_t>& runFlag, const FusionProgress& progress) noexcept
+        : layout_(layout), images_(images), imageCount_(imageCount), runFlag_(runFlag), progress_(progress),
           smoothing_(layout.width, layout.height),
-          weights_(makeZeroedArray<std::int32_t>(layout.pixelCount() + SLACK_ROWS * layout.width)), mean_(layout),
-          sharpenedRow_(makeZeroedArray<std::uint8_t>(static_cast<std::size_t>(layout.width)))
+          weights_(makePageArray<std::int32_t>(layout.pixelCount() + SLACK_ROWS * layout.width)), mean_(layout)
     {
     }
 
-    bool hasBuffers() const noexcept
+    std::int32_t run(std::uint8_t* output)
     {
-        return smoothing_.ready() && weights_ && mean_.ready() && sharpenedRow_;
-    }
-
-    std::int32_t run(const std::uint8_t* const* images, std::uint64_t imageCount, std::uint8_t* output)
-    {
-        engine_.prepare(layout_.width, layout_.height);
+        if (!smoothing_.ready() || !weights_ || !mean_.ready())
+            return TESMOR_NO_MEMORY;
+        const bool prepared = engine_.prepare(layout_.width, layout_.height);
         if (aborted())
             return TESMOR_ABORTED;
-        if (!engine_.ready())
+        if (!prepared)
             return TESMOR_NO_MEMORY;
         report(1);
         engine_.buildGain();
         if (aborted())
             return TESMOR_ABORTED;
-        for (std::uint64_t k = 0; k < imageCount; ++k) {
-            if (!addImage(images[k], 3 * k))
+        for (std::uint64_t k = 0; k < imageCount_; ++k) {
+            if (!addImage(k))
                 return TESMOR_ABORTED;
         }
         compose(output);
-        report(steps_);
+        progress_(100);
         return TESMOR_SUCCESS;
     }
 
@@ -62,44 +56,67 @@ private:
 
     void report(std::uint64_t step) const
     {
-        progress_(static_cast<std::int32_t>(100 * step / steps_));
+        progress_(static_cast<std::int32_t>(100 * step / (3 * imageCount_ + 4)));
+    }
+
+    // The bytes of one colour; null after the last one of the last image.
+    const std::uint8_t* colourOf(std::uint64_t k, std::size_t colour) const noexcept
+    {
+        if (colour == COLOURS)
+            return colourOf(k + 1, 0);
+        return k < imageCount_ ? images_[k] + colour : nullptr;
     }
 
     // These return false when the run is aborted.
 
-    bool addImage(const std::uint8_t* image, std::uint64_t stepsBefore)
+    bool addImage(std::uint64_t k)
     {
+        if (k == 0 && !load(images_[0]))
+            return false;
         for (std::size_t colour = 0; colour < COLOURS; ++colour) {
-            engine_.load(image + colour, layout_.stride);
-            engine_.forward();
-            if (aborted())
-                return false;
             if (colour == 1)
-                report(stepsBefore + 2); // half of the transforms are done
-            engine_.applyGain();
-            engine_.inverse();
+                report(3 * k + 2);
+            engine_.boost();
             if (aborted())
                 return false;
             if (colour == COLOURS - 1)
-                report(stepsBefore + 3);
-            if (!weigh(image, colour))
+                report(3 * k + 3);
+            if (!weigh(images_[k] + colour, colour == 0, colourOf(k, colour + 1)))
                 return false;
         }
-        if (!smooth() || !accumulate(image))
+        if (!smooth() || !accumulate(images_[k]))
             return false;
-        report(stepsBefore + 4);
+        report(3 * k + 4);
         return true;
     }
 
-    bool weigh(const std::uint8_t* image, std::size_t colour) noexcept
+    bool load(const std::uint8_t* colour) noexcept
     {
         for (std::int32_t y = 0; y < layout_.height; ++y) {
             if (aborted())
                 return false;
-            if (colour == 0)
-                std::fill_n(weightsOfRow(y), layout_.width, 0);
-            engine_.storeRow(static_cast<std::uint32_t>(y), sharpenedRow_.get());
-            addWeightTerms(image + layout_.rowOffset(y) + colour, sharpenedRow_.get(), layout_.width, weightsOfRow(y));
+            loadRow(colour, y);
+        }
+        return true;
+    }
+
+    void loadRow(const std::uint8_t* colour, std::int32_t y) noexcept
+    {
+        loadBytes(colour + layout_.rowOffset(y), layout_.width, engine_.row());
+        engine_.forwardRow(y);
+    }
+
+    // Takes the sharpened colour out of the engine, and while a row of it is at hand puts the next colour in.
+    bool weigh(const std::uint8_t* original, bool firstColour, const std::uint8_t* next) noexcept
+    {
+        for (std::int32_t y = 0; y < layout_.height; ++y) {
+            if (aborted())
+                return false;
+            engine_.inverseRow(y);
+            addWeights(engine_.row(), engine_.scale(), original + layout_.rowOffset(y), layout_.width, firstColour,
+                       weightsOfRow(y));
+            if (next)
+                loadRow(next, y);
         }
         return !aborted();
     }
@@ -126,17 +143,15 @@ private:
 
     void compose(std::uint8_t* output) noexcept
     {
-        mean_.normalise();
         for (std::size_t colour = 0; colour < COLOURS; ++colour) {
-            engine_.load(mean_.means(colour));
-            engine_.forward();
-            engine_.applyGain();
-            engine_.inverse();
             for (std::int32_t y = 0; y < layout_.height; ++y) {
-                engine_.storeRow(static_cast<std::uint32_t>(y), sharpenedRow_.get());
-                std::uint8_t* byte = output + layout_.rowOffset(y) + colour;
-                for (std::int32_t x = 0; x < layout_.width; ++x, byte += 3)
-                    *byte = sharpenedRow_[static_cast<std::size_t>(x)];
+                mean_.loadRow(y, colour, engine_.row());
+                engine_.forwardRow(y);
+            }
+            engine_.boost();
+            for (std::int32_t y = 0; y < layout_.height; ++y) {
+                engine_.inverseRow(y);
+                storeBytes(engine_.row(), engine_.scale(), layout_.width, output + layout_.rowOffset(y) + colour);
             }
         }
     }
@@ -147,13 +162,13 @@ private:
     }
 
     ImageLayout layout_;
-    std::uint64_t steps_; // of the progress
+    const std::uint8_t* const* images_;
+    std::uint64_t imageCount_;
     const std::atomic<std::int32_t>& runFlag_;
     const FusionProgress& progress_;
     Smoothing smoothing_;
-    ZeroedArray<std::int32_t> weights_; // of the image in hand; two slack rows after the last one stay 0
+    PageArray<std::int32_t> weights_; // of the image in hand; two slack rows after the last one stay 0
     WeightedMean mean_;
-    ZeroedArray<std::uint8_t> sharpenedRow_; // one colour of the row in hand
     SharpenEngine engine_{CUTOFF, ROLLOFF};
 };
 
@@ -166,10 +181,7 @@ std::int32_t fuseImages(const std::uint8_t* const* images, std::uint64_t imageCo
     const auto layout = ImageLayout::of(width, height);
     if (!layout)
         return TESMOR_NO_MEMORY;
-    Fusion fusion(*layout, imageCount, runFlag, progress);
-    if (!fusion.hasBuffers())
-        return TESMOR_NO_MEMORY;
-    return fusion.run(images, imageCount, output);
+    return Fusion(*layout, images, imageCount, runFlag, progress).run(output);
 }
 
 } // namespace tesmor

@@ -1,13 +1,14 @@
-// Sharpens an image of a fixed size by a radial boost of its high frequencies, in the two-dimensional discrete Fourier
-// domain. Colours are transformed one after the other, each by itself, as complex numbers without an imaginary part: so
-// one plane and one spectrum are all the memory that is needed, and the planner uses them before the first image.
+// Sharpens values of a fixed width and height by a radial boost of their high frequencies, in the two-dimensional discrete
+// Fourier domain. The values are real, so half of each spectrum says everything: see docs/architecture.md.
 //
-// One sharpening of a colour: load, forward, applyGain, inverse, storeRow for each row. prepare and buildGain come once
-// before. All but release need a ready engine.
+// One sharpening of a colour: fill row and forwardRow for each row, boost, inverseRow and read row for each row. prepare
+// and buildGain come once before. Only the spectrum is ever whole: rows pass through one buffer, on their way into it and
+// out of it, and a few columns at a time are transformed, boosted and transformed back while the cache holds them. A row
+// can be filled again as soon as it is read.
 // One thread at a time; FFTW's planner is not thread-safe, so no two engines may be prepared or released at once.
 #pragma once
 
-#include "fusion/zeroed_array.h"
+#include "fusion/page_array.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,13 +18,6 @@
 
 namespace tesmor {
 
-struct FreeFftwMemory {
-    void operator()(void* memory) const noexcept
-    {
-        fftw_free(memory);
-    }
-};
-
 struct DestroyPlan {
     void operator()(fftw_plan plan) const noexcept
     {
@@ -31,8 +25,9 @@ struct DestroyPlan {
     }
 };
 
-using ComplexPlane = std::unique_ptr<fftw_complex[], FreeFftwMemory>;
 using FftwPlan = std::unique_ptr<std::remove_pointer_t<fftw_plan>, DestroyPlan>;
+
+inline constexpr std::int32_t COLUMN_GROUP = 8; // columns of a spectrum that are transformed together
 
 class SharpenEngine {
 public:
@@ -41,56 +36,68 @@ public:
     SharpenEngine(double cutoff, double rolloff) noexcept : cutoff_(cutoff), rolloff_(rolloff) {}
 
     // Obtains arrays and plans for images of width x height pixels, both at least 1; does nothing when it has them
-    // already. When something cannot be had the engine is left released; see ready. Takes seconds for large images.
-    void prepare(std::uint32_t width, std::uint32_t height) noexcept;
+    // already. False when something cannot be had; the engine is released then. Takes seconds for large images.
+    bool prepare(std::int32_t width, std::int32_t height) noexcept;
 
-    // Gives everything back.
+    // Gives everything back. Nothing but prepare and release may follow.
     void release() noexcept;
-
-    bool ready() const noexcept
-    {
-        return ready_;
-    }
 
     void buildGain() noexcept;
 
-    // One colour of an image: every third byte from `bytes` on, in rows of `stride` bytes.
-    void load(const std::uint8_t* bytes, std::int32_t stride) noexcept;
+    // The row in hand: `width` values.
+    double* row() noexcept
+    {
+        return row_.get();
+    }
 
-    // width x height values from 0 to 255.
-    void load(const float* values) noexcept;
+    // Transforms the row in hand into row y of the spectrum.
+    void forwardRow(std::int32_t y) noexcept;
 
-    void forward() noexcept;
+    // Boosts the spectrum so that zero frequency, the mean brightness, stays as it is. All rows must be in it.
+    void boost() noexcept;
 
-    // Boosts the spectrum so that zero frequency, the mean brightness, stays as it is.
-    void applyGain() noexcept;
+    // Transforms row y of the spectrum back, once, into the row in hand, without the factor `scale`.
+    void inverseRow(std::int32_t y) noexcept;
 
-    // Without the factor 1 / (width x height), which storeRow applies.
-    void inverse() noexcept;
-
-    // Writes the magnitude of each pixel of row y, rounded and limited to 0..255, to `width` bytes: what overshoots
-    // below 0 beside a dark edge shows its size instead. What is not a number becomes 0.
-    void storeRow(std::uint32_t y, std::uint8_t* bytes) const noexcept;
+    // What the values of a row must be multiplied with after inverseRow.
+    double scale() const noexcept
+    {
+        return 1.0 / static_cast<double>(width_ * height_);
+    }
 
 private:
-    std::size_t pixelCount() const noexcept
+    // Groups of columns. Columns beyond the middle would mirror those before it; they are not there.
+    std::int32_t groupCount() const noexcept
     {
-        return static_cast<std::size_t>(width_) * height_;
+        return (width_ / 2 + COLUMN_GROUP) / COLUMN_GROUP;
+    }
+
+    // Columns from one row of the spectrum to the next. An odd number of groups: at a power of two the values of a column
+    // would share a few places of the cache.
+    std::int32_t pitch() const noexcept
+    {
+        return (groupCount() | 1) * COLUMN_GROUP;
+    }
+
+    fftw_complex* spectrumRow(std::int32_t y) noexcept
+    {
+        return spectrum_.get() + static_cast<std::ptrdiff_t>(pitch()) * y;
     }
 
     bool obtainArrays() noexcept;
     bool makePlans() noexcept;
 
-    std::uint32_t width_ = 0;  // pixels; 0 when released
-    std::uint32_t height_ = 0; // pixels; 0 when released
+    std::int32_t width_ = 0;  // pixels; 0 when released
+    std::int32_t height_ = 0; // pixels; 0 when released
     double cutoff_;
     double rolloff_;
-    bool ready_ = false;
-    ZeroedArray<double> gain_;
-    FftwPlan forwardPlan_;
-    FftwPlan inversePlan_;
-    ComplexPlane plane_;
-    ComplexPlane spectrum_;
+    PageArray<double> row_;
+    PageArray<fftw_complex> spectrum_; // rows of pitch() columns, zero frequency first; the last few may be unused
+    PageArray<double> gain_;           // of each frequency: one group of columns after the other, each of them by rows
+    FftwPlan forwardRow_;
+    FftwPlan inverseRow_;
+    FftwPlan forwardGroup_;
+    FftwPlan inverseGroup_;
 };
 
 } // namespace tesmor

@@ -26,7 +26,7 @@ TESMOR_CPU_CLONES void meanOfNine(const std::int32_t* previous, const std::int32
 Smoothing::Smoothing(std::int32_t width, std::int32_t height) noexcept : width_(width), height_(height)
 {
     for (auto& sums : rowSums_)
-        sums = makeZeroedArray<std::int32_t>(static_cast<std::size_t>(width));
+        sums = makePageArray<std::int32_t>(static_cast<std::size_t>(width));
 }
 
 bool Smoothing::ready() const noexcept

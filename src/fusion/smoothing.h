@@ -1,7 +1,7 @@
 // One pass of the 3 x 3 mean that smooths the weights of an image.
 #pragma once
 
-#include "fusion/zeroed_array.h"
+#include "fusion/page_array.h"
 
 #include <atomic>
 #include <cstdint>
@@ -30,7 +30,7 @@ private:
 
     std::int32_t width_;
     std::int32_t height_;
-    ZeroedArray<std::int32_t> rowSums_[3]; // horizontal 3-sums of the previous, current and next row
+    PageArray<std::int32_t> rowSums_[3]; // horizontal 3-sums of the previous, current and next row
 };
 
 } // namespace tesmor

@@ -1,6 +1,7 @@
 #include "fusion/weighted_mean.h"
 
 #include "fusion/cpu_clones.h"
+#include "fusion/plane_rows.h"
 
 namespace tesmor {
 
@@ -21,19 +22,13 @@ TESMOR_CPU_CLONES void addWeighted(const std::uint8_t* row, const std::int32_t* 
     }
 }
 
-TESMOR_CPU_CLONES void divide(float* sums, const std::int32_t* weightSums, std::size_t count) noexcept
-{
-    for (std::size_t i = 0; i < count; ++i)
-        sums[i] = sums[i] / static_cast<float>(weightSums[i]);
-}
-
 } // namespace
 
 WeightedMean::WeightedMean(const ImageLayout& layout) noexcept
-    : layout_(layout), weightSum_(makeZeroedArray<std::int32_t>(layout.pixelCount()))
+    : layout_(layout), weightSum_(makePageArray<std::int32_t>(layout.pixelCount()))
 {
     for (auto& sums : sums_)
-        sums = makeZeroedArray<float>(layout.pixelCount());
+        sums = makePageArray<float>(layout.pixelCount());
 }
 
 bool WeightedMean::ready() const noexcept
@@ -43,15 +38,14 @@ bool WeightedMean::ready() const noexcept
 
 void WeightedMean::addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* weights) noexcept
 {
-    const std::size_t first = static_cast<std::size_t>(layout_.width) * static_cast<std::size_t>(y);
+    const std::size_t first = firstOfRow(y);
     addWeighted(imageRow, weights, static_cast<std::size_t>(layout_.width), weightSum_.get() + first,
                 sums_[0].get() + first, sums_[1].get() + first, sums_[2].get() + first);
 }
 
-void WeightedMean::normalise() noexcept
+void WeightedMean::loadRow(std::int32_t y, std::size_t colour, double* row) const noexcept
 {
-    for (auto& sums : sums_)
-        divide(sums.get(), weightSum_.get(), layout_.pixelCount());
+    loadMeans(sums_[colour].get() + firstOfRow(y), weightSum_.get() + firstOfRow(y), layout_.width, row);
 }
 
 } // namespace tesmor

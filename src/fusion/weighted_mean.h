@@ -2,7 +2,7 @@
 #pragma once
 
 #include "fusion/image_layout.h"
-#include "fusion/zeroed_array.h"
+#include "fusion/page_array.h"
 
 #include <cstdint>
 
@@ -22,22 +22,22 @@ public:
     // Whether all buffers could be obtained.
     bool ready() const noexcept;
 
-    // Adds row y of an image, with the weights of its pixels, 0 to 195075; 0 counts as 1.
+    // Adds row y of an image, weighted with the weights of its pixels, 0 to 195075; 0 counts as 1.
     void addRow(std::int32_t y, const std::uint8_t* imageRow, const std::int32_t* weights) noexcept;
 
-    // Turns the sums into means; no row can be added after it. Without any image every mean is not a number.
-    void normalise() noexcept;
-
-    // The means of one colour, width x height values; valid after normalise. 0 is blue, 1 green, 2 red.
-    const float* means(std::size_t colour) const noexcept
-    {
-        return sums_[colour].get();
-    }
+    // Writes row y of one colour's means to `width` values; 0 is blue, 1 green, 2 red. Without any image no mean is a
+    // number.
+    void loadRow(std::int32_t y, std::size_t colour, double* row) const noexcept;
 
 private:
+    std::size_t firstOfRow(std::int32_t y) const noexcept
+    {
+        return static_cast<std::size_t>(layout_.width) * static_cast<std::size_t>(y);
+    }
+
     ImageLayout layout_;
-    ZeroedArray<std::int32_t> weightSum_;
-    ZeroedArray<float> sums_[COLOURS]; // the means in the end
+    PageArray<std::int32_t> weightSum_;
+    PageArray<float> sums_[COLOURS];
 };
 
 } // namespace tesmor

@@ -1,13 +1,16 @@
-// A hint about memory.
+// Memory for large arrays, straight from the system and back to it.
 #pragma once
 
 #include <cstddef>
 
 namespace tesmor::platform {
 
-// Asks the system to back an array with large pages, which are faster to obtain and to walk through. Before the array is
-// first used; nothing happens to small arrays, and where the system has no such pages for everybody. Does not block;
-// cannot fail.
-void preferLargePages(void* memory, std::size_t bytes) noexcept;
+// Zeroed memory in whole pages, which nobody else gets a part of. Backed with large pages where the system gives them to
+// programs that ask: they are faster to obtain and to walk through. Costs nothing until it is used. Does not block. Null
+// when there is none to be had.
+void* obtainPages(std::size_t bytes) noexcept;
+
+// memory: from obtainPages with the same number of bytes, or null. Does not block; cannot fail.
+void returnPages(void* memory, std::size_t bytes) noexcept;
 
 } // namespace tesmor::platform

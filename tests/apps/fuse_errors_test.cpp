@@ -135,7 +135,7 @@ TEST_F(FuseErrorsTest, TheLibraryRunsOutOfMemory)
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the address sanitizer needs more address space than any limit leaves";
 #endif
-    save(flatImage(4000, 2000), "large.png"); // 1048 MB for the fusion, 48 MB beside it
+    save(flatImage(8000, 3000), "large.png"); // some 800 MB for the fusion, 144 MB beside it
     const CommandResult result = runLimited("ulimit -v 800000", "fuse", {"large.png", "-o", "old.png"});
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.errors.startsWith("tesmor fuse: not enough memory")) << qPrintable(result.errors);

@@ -1,21 +1,24 @@
 #include "platform/memory.h"
 
-#include <cstdint>
 #include <sys/mman.h>
-#include <unistd.h>
 
 namespace tesmor::platform {
 
-void preferLargePages(void* memory, std::size_t bytes) noexcept
+void* obtainPages(std::size_t bytes) noexcept
 {
+    void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        return nullptr;
     constexpr std::size_t worthwhile = 4 << 20;
-    if (memory == nullptr || bytes < worthwhile)
-        return;
-    const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-    const auto start = reinterpret_cast<std::uintptr_t>(memory);
-    const std::uintptr_t firstPage = (start + pageSize - 1) / pageSize * pageSize;
-    const std::uintptr_t endPage = (start + bytes) / pageSize * pageSize;
-    madvise(static_cast<char*>(memory) + (firstPage - start), endPage - firstPage, MADV_HUGEPAGE);
+    if (bytes >= worthwhile)
+        madvise(memory, bytes, MADV_HUGEPAGE); // a wish, which may be refused
+    return memory;
+}
+
+void returnPages(void* memory, std::size_t bytes) noexcept
+{
+    if (memory)
+        munmap(memory, bytes);
 }
 
 } // namespace tesmor::platform

@@ -1,8 +1,19 @@
 #include "platform/memory.h"
 
+#include "native.h"
+
 namespace tesmor::platform {
 
 // Large pages need a privilege that hosts do not have.
-void preferLargePages(void*, std::size_t) noexcept {}
+void* obtainPages(std::size_t bytes) noexcept
+{
+    return VirtualAlloc(nullptr, bytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+}
+
+void returnPages(void* memory, std::size_t) noexcept
+{
+    if (memory)
+        VirtualFree(memory, 0, MEM_RELEASE);
+}
 
 } // namespace tesmor::platform
