@@ -222,9 +222,9 @@ TESMOR_API int32_t tesmor_capture(FrameCallback frameCallback, void* context);
 
 /**
  * Fusion: merges images of one field, taken at different focus positions, into one that is sharp throughout.
- * Takes about 64 bytes of memory per pixel plus 8 MB in addition to the images, however many there are, and does not
- * start unless twice as much is available. Meanwhile the worker runs at the lowest priority from which the system lets it
- * return; on Linux, for an ordinary user, that is hardly lower than before.
+ * Takes about 32 bytes of memory per pixel plus 2 MB in addition to the images, however many there are. Meanwhile the
+ * worker runs at the lowest priority from which the system lets it return; on Linux, for an ordinary user, that is hardly
+ * lower than before.
  * @param images count pointers to images of width x height; the array itself is copied, the pixels are not
  * @param count 0 to 128; more is an error of the host and overruns the library's memory
  * @param width,height of every image and of output, at least 2 x 2
