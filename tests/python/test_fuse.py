@@ -109,7 +109,7 @@ import numpy as np, resource, tesmor
 image = np.zeros((2000, 2000, 3), np.uint8)
 tesmor.fuse([image[:4, :4]])
 used = int(open("/proc/self/statm").read().split()[0]) * resource.getpagesize()
-resource.setrlimit(resource.RLIMIT_AS, (used + 200_000_000, -1))
+resource.setrlimit(resource.RLIMIT_AS, (used + 100_000_000, -1))
 try:
     tesmor.fuse([image])
 except MemoryError as error:
