@@ -4,12 +4,20 @@ make_debian() {
     [[ $(id -u) -eq 0 ]] || { echo "${0##*/}: only root can create an empty Debian" >&2; exit 1; }
     "$(dirname "${BASH_SOURCE[0]}")/setup" packages
     debian=$(mktemp -d)
-    trap 'rm -rf --one-file-system "$debian" "$debian.log"' EXIT
+    remove_at_end
     chmod 755 "$debian"
     debootstrap --variant=minbase bookworm "$debian" >"$debian.log" || { tail "$debian.log" >&2; exit 1; }
     cp /etc/resolv.conf "$debian/etc/"
     echo debian >"$debian/etc/hostname"
     printf '127.0.0.1 localhost\n127.0.1.1 debian\n' >"$debian/etc/hosts"
+}
+
+# unshare lets no other signal pass than the one that it cannot refuse.
+remove_at_end() {
+    inside=
+    trap '[[ -z $inside ]] || kill -KILL "$inside"; wait; rm -rf --one-file-system "$debian" "$debian.log"' EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM
 }
 
 # Runs a command there as root: in_debian [--offline] COMMAND...
@@ -31,5 +39,10 @@ in_debian() {
         mount -t devpts -o newinstance,ptmxmode=666 devpts dev/pts
         pivot_root . mnt
         umount -l /mnt
-        exec env PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=/root "$@"' "$debian" "$@"
+        exec env PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=/root "$@"' "$debian" "$@" &
+    inside=$! # waited for, since a signal interrupts nothing but that
+    local status=0
+    wait "$inside" || status=$?
+    inside=
+    return $status
 }
