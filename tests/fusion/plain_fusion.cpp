@@ -15,7 +15,7 @@ using Plane = std::vector<Complex>;
 Plane transform(const Plane& from, int width, int height, int sign)
 {
     const auto turn = [&](int k, int n) {
-        return std::polar(1.0, sign * 2.0 * std::numbers::pi * (static_cast<long>(k) % n) / n);
+        return std::polar(1.0, sign * 2.0 * std::numbers::pi * static_cast<double>(static_cast<long>(k) % n) / n);
     };
     Plane rows(from.size()), both(from.size());
     for (int y = 0; y < height; ++y) {
