@@ -37,7 +37,7 @@ void takeAllMemory()
 
 class Shortage : public ScriptedLibraryTest {
 protected:
-    Shortage()
+    void SetUp() override
     {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         GTEST_SKIP() << "a sanitizer needs the address space";
