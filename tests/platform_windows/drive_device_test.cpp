@@ -74,8 +74,8 @@ TEST_F(DriveDeviceTest, AUnitThatExistsButDoesNotOpenIsPassedOver)
         EXPECT_TRUE(systemDriveUnits().exists(0));
         EXPECT_EQ(systemDriveUnits().open(0), nullptr);
         EXPECT_FALSE(systemDriveUnits().exists(1));
-        const FocusDrive drive(systemDriveUnits(), systemClock());
-        EXPECT_TRUE(drive.hasDevice());
+        const FocusDrive focusDrive(systemDriveUnits(), systemClock());
+        EXPECT_TRUE(focusDrive.hasDevice());
         ASSERT_EQ(controller.log().size(), 1u);
         EXPECT_EQ(controller.log()[0].input[4], DRIVE_REQ_OPEN);
     }
