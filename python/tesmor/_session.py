@@ -27,13 +27,13 @@ class Session:
     """
 
     _open: weakref.ref[Session] | None = None
+    _closed = False
 
     def __init__(self) -> None:
         """Raises RuntimeError if another session is open."""
-        other = Session._open and Session._open()
+        other = Session._open() if Session._open is not None else None
         if other is not None and not other._closed:
             raise RuntimeError("another tesmor.Session is open, and a process can have only one; close it first with close()")
-        self._closed = False
         Session._open = weakref.ref(self)
 
     def __enter__(self) -> Session:
