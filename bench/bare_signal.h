@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What one thread leaves for another, with nothing around it: the floor of every hand-over.
 #pragma once
 

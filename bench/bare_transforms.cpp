@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "bare_transforms.h"
 
 #include "fusion/sharpen_engine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The transforms that a fusion cannot do without: three colours, forward and back, for every image and for the mean.
 // Planned with the fusion's flags, on memory that is obtained as the fusion obtains it and was used before.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Prints what a camera's frames cost on their way to tesmor_video: lost frames, processor time, delay.
 // ./bench/cameras runs it.
 #include "cameras/camera.h"

@@ -1,5 +1,6 @@
-// The fusion written down once more, with complex transforms of whole images and one plain loop after the other: what the
-// library's bytes are held against. See same_bytes.cpp.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The fusion written down once more, with complex transforms of whole images and one plain loop after the other: what
+// the library's bytes are held against. See same_bytes.cpp.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,6 @@
-// Autofocus runs and stacks by the thousand, on the virtual microscope with a motor that takes no time: what the process
-// holds stays flat. endurance [RUNS], 10000 by default; see tools/endurance.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Autofocus runs and stacks by the thousand, on the virtual microscope with a motor that takes no time: what the
+// process holds stays flat. endurance [RUNS], 10000 by default; see tools/endurance.
 #include "microscope/virtual_microscope.h"
 #include "support/process_figures.h"
 #include "tesmor.h"

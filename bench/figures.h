@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The table that the benchmarks fill, one line a figure.
 #pragma once
 

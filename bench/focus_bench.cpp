@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The focus measure against the additions whose order it must keep.
 #include "measure/focus_measure.h"
 #include "ratio.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Fuses seeded stacks with the shared library and writes the fused bytes to a file, so that builds can be compared:
 //   fused_bytes FILE
 // Everything that goes in is made with integers, and so is the same everywhere. See tools/windows/compare_fusion.
@@ -27,7 +28,8 @@ Bytes noise(int width, int height)
     return pixels;
 }
 
-// Each slice is sharp in one upright band of the picture; along a row it is averaged the more, the further that band is.
+// Each slice is sharp in one upright band of the picture; along a row it is averaged the more, the further that band
+// is.
 Bytes slice(const Bytes& sharp, int width, int height, int number)
 {
     Bytes blurred(sharp.size());

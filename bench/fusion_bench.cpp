@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The fusion of 8 images against the transforms that it cannot do without.
 #include "bare_transforms.h"
 #include "ratio.h"

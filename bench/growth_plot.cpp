@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Plots how the time of a fusion grows with the number of images and with their size. Argument: the picture to write.
 #include "bare_transforms.h"
 #include "ratio.h"

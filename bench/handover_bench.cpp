@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The idle frame hook, and what passes between the host's threads and the worker, against bare loads and wake-ups.
 #include "bare_signal.h"
 #include "frames/frame_wait.h"

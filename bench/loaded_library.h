@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The library as if it had just been loaded into this program.
 #pragma once
 

@@ -1,4 +1,6 @@
-// The peak memory of a fusion against the arrays that must be there at the same time. Linux: reads the kernel's account.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The peak memory of a fusion against the arrays that must be there at the same time. Linux: reads the kernel's
+// account.
 #include "figures.h"
 #include "stack.h"
 
@@ -31,7 +33,8 @@ double bytesInUseAfterReset()
     return statusBytes("VmRSS");
 }
 
-// For every pixel: half a spectrum of complex numbers and its gain, one weight, the sums of weights and of three colours.
+// For every pixel: half a spectrum of complex numbers and its gain, one weight, the sums of weights and of three
+// colours.
 double leastBytes(double pixels)
 {
     return pixels * (16 / 2 + 8 / 2 + 4 + 4 + 3 * 4);

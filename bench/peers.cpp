@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Compares the command `tesmor fuse` with the program enfuse on stacks of the virtual microscope: whole processes that
 // alternate on the same files, and the likeness of both results to the truth. Arguments: the command tesmor, a folder.
 #include "images/frame_image.h"

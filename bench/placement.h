@@ -1,5 +1,6 @@
-// Where the threads of a measurement run. A wake-up within one processor and one across two differ several times over, so
-// floor and work of a hand-over are placed alike: not as the scheduler happens to.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Where the threads of a measurement run. A wake-up within one processor and one across two differ several times over,
+// so floor and work of a hand-over are placed alike: not as the scheduler happens to.
 #pragma once
 
 #include <sched.h>

@@ -1,5 +1,6 @@
-// Times a work against its floor: floor and work alternate, and the figure is the median of the ratios of neighbours, so
-// that other programs on the machine, whose load comes and goes, hit both alike.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Times a work against its floor: floor and work alternate, and the figure is the median of the ratios of neighbours,
+// so that other programs on the machine, whose load comes and goes, hit both alike.
 #pragma once
 
 #include "figures.h"

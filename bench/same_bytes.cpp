@@ -1,10 +1,9 @@
-// Fuses stacks with the library's transforms and with complex ones (complex_fusion.h) in one process, and prints how many
-// bytes differ: same_bytes [FOLDER]...
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Fuses stacks with the library's transforms and with complex ones (complex_fusion.h) in one process, and prints how
+// many bytes differ: same_bytes [FOLDER]...
+//
 // A folder holds the images of one stack. Beside them come synthetic stacks of many sizes. Exit status 1 when a stack
 // differs in more bytes than the complex transforms do among themselves when FFTW makes other plans for them.
-#include "complex_fusion.h"
-#include "fusion/fuse_images.h"
-#include "fusion/image_layout.h"
 
 #include <QDir>
 #include <QImage>

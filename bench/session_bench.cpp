@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Autofocus and stack capture on the virtual microscope, whose motor and camera take no time, against the same requests
 // and frame waits with nothing around them. Frames are as small as they can be, so that making them hides little.
 #include "bare_signal.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A focus stack to fuse, and its fusion as the worker runs it.
 #pragma once
 

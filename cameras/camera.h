@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A camera of any kind: open it, start it, take its frames.
 //
 // Threads
-//   Each camera has a thread of its own, on which both sinks run. All functions may be called from any other thread, from
-//   one at a time start and stop. No function waits longer than it says here, however the camera behaves: what a dead
-//   camera's library needs to give it up goes on in the background, 15 seconds at most.
+//   Each camera has a thread of its own, on which both sinks run. All functions may be called from any other thread,
+//   from one at a time start and stop. No function waits longer than it says here, however the camera behaves: what a
+//   dead camera's library needs to give it up goes on in the background, 15 seconds at most.
 //
 // Faults
 //   A camera that is lost (unplugged, switched off, the stream at its end) is told by CameraEvent::LOST and delivers
@@ -47,8 +48,8 @@ public:
     Camera(const Camera&) = delete;
     Camera& operator=(const Camera&) = delete;
 
-    // Starts the stream; does nothing when started. The failure of a start is told as LOST. Returns at once, or, after a
-    // stop that the camera has not finished, within 20 seconds. Throws CameraError when the camera is lost.
+    // Starts the stream; does nothing when started. The failure of a start is told as LOST. Returns at once, or, after
+    // a stop that the camera has not finished, within 20 seconds. Throws CameraError when the camera is lost.
     void start(FrameSink frameSink, EventSink eventSink);
 
     // Returns within half a second after the sinks' call in hand. No call of a sink is under way or will come then.

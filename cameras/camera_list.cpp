@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "cameras/camera_list.h"
 
 #include "cameras/virtual/virtual_device.h"

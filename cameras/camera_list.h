@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The cameras of this computer, of all kinds that this build has.
 #pragma once
 

@@ -1,5 +1,6 @@
-// The thread of a camera, and what it shares with the threads that ask. It outlives its Camera when the device is slow to
-// close.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The thread of a camera, and what it shares with the threads that ask. It outlives its Camera when the device is slow
+// to close.
 #pragma once
 
 #include "cameras/camera.h"

@@ -1,5 +1,6 @@
-// What every kind of camera implements. A Camera (camera.h) owns one, and calls all of it on one thread, which nobody else
-// waits for without a limit: so every function may block, and simply does what the camera's library does.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// What every kind of camera implements. A Camera (camera.h) owns one, and calls all of it on one thread, which nobody
+// else waits for without a limit: so every function may block, and simply does what the camera's library does.
 #pragma once
 
 #include "cameras/frame.h"

@@ -1,4 +1,6 @@
-// A frame as a camera hands it over: 3 bytes a pixel in the order blue, green, red; rows padded to a multiple of 4 bytes.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// A frame as a camera hands it over: 3 bytes a pixel in the order blue, green, red; rows padded to a multiple of 4
+// bytes.
 #pragma once
 
 #include <chrono>

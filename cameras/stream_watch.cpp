@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "cameras/stream_watch.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Notices a stream that stalls, goes on, or changes its size.
 #pragma once
 

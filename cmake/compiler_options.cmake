@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Options of everything that is ours: warnings, exact floating-point arithmetic, sanitizers.
 add_library(tesmor_options INTERFACE)
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # GTest::gtest and GTest::gtest_main: installed ones, or built from the sources in TESMOR_GOOGLETEST_SOURCE.
 set(TESMOR_GOOGLETEST_SOURCE "" CACHE PATH "Folder of GoogleTest's sources; empty: use the installed library")
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # What `cmake --install` puts where. Components: runtime (the library), development, command, python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # `cmake --build build/release --target package` makes, in the build's folder packages:
 #   for Debian: libtesmor0 (the library), libtesmor-dev (what a viewer's developer needs), tesmor (the command),
 #   python3-tesmor (the Python module)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The service end of the drive link: brings the requests of the library to a motor's controller, and its
 // acknowledgements back. On Linux it is a local socket, on Windows a unit of the simulated driver.
 //
@@ -5,9 +6,9 @@
 //   Any number may connect and ask what changes nothing, so that drives can be listed without disturbing anybody. A
 //   client holds the drive from the moment its opening request was accepted, until its closing request or its end.
 //   Meanwhile everybody else is turned away: who connects, and who is connected and wants to open or to move. But only
-//   after a look whether the holder has gone: a library that closes its link and opens the next one is never turned away.
-//   A client that disappears, in mid-move too, leaves the service ready for the next one.
-//   On Windows the system lets one client in at a time.
+//   after a look whether the holder has gone: a library that closes its link and opens the next one is never turned
+//   away. A client that disappears, in mid-move too, leaves the service ready for the next one. On Windows the system
+//   lets one client in at a time.
 #pragma once
 
 #include "drive_service/motor_controller.h"

@@ -1,5 +1,6 @@
-// What stands behind a drive service: the controller of a motor, simulated or real. It knows nothing of the way on which
-// requests come, and the service nothing of motors.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// What stands behind a drive service: the controller of a motor, simulated or real. It knows nothing of the way on
+// which requests come, and the service nothing of motors.
 #pragma once
 
 #include <chrono>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /*
  * Starts an autofocus and cancels it, as when the user presses Cancel.
  *

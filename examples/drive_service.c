@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /*
  * Skeleton of a drive service for Linux: a program that owns a camera's focus motor and answers to the library. The
  * motor here is only a timer; replace the functions under "The motor" by your camera's. docs/linux.md has the packets.

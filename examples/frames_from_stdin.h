@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /*
  * The examples' camera: raw frames from the standard input in the library's layout, as written by `tesmor microscope`.
  * A viewer uses its own video thread instead.

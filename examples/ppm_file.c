@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "ppm_file.h"
 
 #include <stdio.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* Writes a PPM file, which most image viewers can read. */
 #ifndef PPM_FILE_H
 #define PPM_FILE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /*
  * Captures images at ten focus positions and merges them into one that is sharp throughout.
  *

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Any arguments of `tesmor fuse` and `tesmor move`, in a folder of its own with two small images and no drive.
 // Input: the subcommand and its arguments, one a line; a slash becomes an x, so that nothing outside the folder is
 // touched.

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A drive service that sends whatever it likes, towards the library.
-// Input: packets, each a length byte and so many bytes, 0xFF for 300 bytes of one value; all are sent before the library
-// asks for anything, and the end of file follows.
+// Input: packets, each a length byte and so many bytes, 0xFF for 300 bytes of one value; all are sent before the
+// library asks for anything, and the end of file follows.
 #include "fuzz/fuzz_input.h"
 #include "platform/drive_device.h"
 #include "platform_linux/raw_service.h"

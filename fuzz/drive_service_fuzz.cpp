@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A client that sends whatever it likes, towards the virtual microscope's drive service.
 // Input: packets, each a length byte and so many bytes; a bit of the length says that the client leaves without reading
 // the answer.

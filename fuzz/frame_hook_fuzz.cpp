@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A frame of any size, allocated to the byte, at any magnification and for any command.
 // Input: width, height and magnification as words, the command as a byte, then pixels, repeated over the frame.
 #include "frames/frame_hook.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Takes a fuzzer's bytes apart; past the end everything is 0.
 #pragma once
 

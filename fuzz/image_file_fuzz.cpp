@@ -1,4 +1,6 @@
-// Any file in place of an image. The decoders are Qt's; ours is what is asked of them, and what is made of their answer.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Any file in place of an image. The decoders are Qt's; ours is what is asked of them, and what is made of their
+// answer.
 #include "fuzz/fuzz_input.h"
 #include "images/decoder_messages.h"
 #include "images/image_files.h"

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /**
  * @file
  * tesmor: automatic focusing, manual focus moves, focus-stack capture and multi-focus image fusion for
@@ -115,7 +116,7 @@ typedef void (*DoneCallback)(void* context, int32_t result);
  * - image null, width and height 0, during a stack: a result code of the stack (TESMOR_SUCCESS only with notifyOnly),
  *   on the worker thread.
  * - image null, width and height 0, during a fusion: progress in percent, 0 to 100, on the worker thread.
- * - image = the fusion's output, with its size and the fusion's result code: the fusion has ended, on the worker thread.
+ * - image = the fusion's output, with its size and the fusion's result code: on the worker thread, at the fusion's end.
  *   Unless result is TESMOR_SUCCESS, the output is untouched.
  *
  * It must not post. A fusion reports its progress at the worker's lowered priority: do not hold a lock there that a
@@ -223,8 +224,8 @@ TESMOR_API int32_t tesmor_capture(FrameCallback frameCallback, void* context);
 /**
  * Fusion: merges images of one field, taken at different focus positions, into one that is sharp throughout.
  * Takes about 32 bytes of memory per pixel plus 2 MB in addition to the images, however many there are. Meanwhile the
- * worker runs at the lowest priority from which the system lets it return; on Linux, for an ordinary user, that is hardly
- * lower than before.
+ * worker runs at the lowest priority from which the system lets it return; on Linux, for an ordinary user, that is
+ * hardly lower than before.
  * @param images count pointers to images of width x height; the array itself is copied, the pixels are not
  * @param count 0 to 128; more is an error of the host and overruns the library's memory
  * @param width,height of every image and of output, at least 2 x 2

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /**
  * @file
  * Loads the library at run time, for a host that must also run without it: no link option, no import library, just this
@@ -100,7 +101,8 @@ static inline TesmorModule tesmor_load_file(const char* utf8)
  * Loads the library and looks up its functions. The library then stays loaded until the process ends; it must never be
  * unloaded. Any thread, but only one at a time.
  * @param functions filled in on success; otherwise every member is null
- * @param file the path of the library, on Windows in UTF-8; null: TESMOR_LIBRARY_FILE, where the system looks for libraries
+ * @param file the path of the library, on Windows in UTF-8; null: TESMOR_LIBRARY_FILE, where the system looks for
+ * libraries
  * @return 1, or 0 if the library is missing or lacks a function; dlerror() or GetLastError() then tells why
  */
 static inline int tesmor_load(TesmorFunctions* functions, const char* file)

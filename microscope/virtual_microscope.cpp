@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "microscope/virtual_microscope.h"
 
 #include "drive_service/drive_service.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A simulated microscope: a focus motor, a specimen seen through an objective, a camera, and the focus drive's service
 // to which the library connects as it would to a real camera's. Nothing in it is real; `description` says so.
 //
@@ -15,13 +16,14 @@
 //   on every system.
 //
 // Motion
-//   With settings.motion the picture breathes with the focus and drifts; each frame tells its exact warp. For a drifting
-//   stack set framesPerSecond and timeScale to 0, then setPosition and deliverFrame for each slice. truth(warp) is what
-//   merging should give when all slices were laid over the one with that warp.
+//   With settings.motion the picture breathes with the focus and drifts; each frame tells its exact warp. For a
+//   drifting stack set framesPerSecond and timeScale to 0, then setPosition and deliverFrame for each slice.
+//   truth(warp) is what merging should give when all slices were laid over the one with that warp.
 //
 // Threads
 //   start, stop and deliverFrame are called from one thread at a time, never from the sink. All other functions may be
-//   called from any thread at any time, the sink included. The sink runs on the camera's thread, or within deliverFrame.
+//   called from any thread at any time, the sink included. The sink runs on the camera's thread, or within
+//   deliverFrame.
 #pragma once
 
 #include "microscope/camera/image.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The part of a frame that an autofocus looks at.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /*
  * What the camera's driver and its clients agree on: names and control codes. Plain C, for drivers too.
  */

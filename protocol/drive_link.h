@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What passes between the library and a drive service on Linux. One packet is one message; little-endian.
 //   to the service     control request: the control code as u32, then its input
 //   to the library     reply: the control code that it answers as u32, then 0 for refused, else accepted

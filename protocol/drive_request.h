@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The request packet of the focus drive, in the layout of the camera's driver, and what control requests mean.
 #pragma once
 

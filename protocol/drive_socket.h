@@ -1,5 +1,6 @@
-// Linux: the socket of the drive link, AF_UNIX and SOCK_SEQPACKET in the abstract namespace. Each side checks the user of
-// the other.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Linux: the socket of the drive link, AF_UNIX and SOCK_SEQPACKET in the abstract namespace. Each side checks the user
+// of the other.
 #pragma once
 
 #include "protocol/drive_codes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Where the pixels of a frame are: blue, green and red bytes, rows padded to a multiple of 4 bytes.
 #pragma once
 

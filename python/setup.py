@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 """Lets CMake build library and module and install them, with the Python files, into the wheel."""
 
 import os

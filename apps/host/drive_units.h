@@ -1,5 +1,6 @@
-// The focus drives of this machine, looked for as any host may do it: on the drive link itself. Who does not open a drive
-// holds nothing, so looking takes no drive away from anybody.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The focus drives of this machine, looked for as any host may do it: on the drive link itself. Who does not open a
+// drive holds nothing, so looking takes no drive away from anybody.
 #pragma once
 
 #include <sys/types.h>
@@ -21,8 +22,8 @@ struct DriveUnit {
     uid_t owner; // the user as whom its service runs; of a silent one it may be unknown, and 0
 };
 
-// All units that exist, lowest first; the library takes the first of them that is not foreign. Nothing moves. Blocks for
-// a second for each silent unit.
+// All units that exist, lowest first; the library takes the first of them that is not foreign. Nothing moves. Blocks
+// for a second for each silent unit.
 std::vector<DriveUnit> findDriveUnits();
 
 } // namespace tesmor::apps

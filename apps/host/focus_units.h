@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The library's units of focus: motor steps, degrees, and the spacing units of a stack.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "host/fusion_memory.h"
 
 #include "terminal/text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The memory that a fusion needs, and whether it is available.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The result of a command posted to the library: waits for it, and aborts the command on interruption.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "host/planning_cache.h"
 
 #include <QByteArray>

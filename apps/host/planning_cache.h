@@ -1,6 +1,7 @@
-// What FFTW learns when it plans a fusion, kept in the user's cache folder: so a machine plans once for each image size, and
-// not in every run. A cache that is missing, damaged, from another FFTW or another machine, or not writable costs time and
-// changes nothing else.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// What FFTW learns when it plans a fusion, kept in the user's cache folder: so a machine plans once for each image
+// size, and not in every run. A cache that is missing, damaged, from another FFTW or another machine, or not writable
+// costs time and changes nothing else.
 #pragma once
 
 namespace tesmor::apps {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What image decoders print about a damaged file: kept out of our own one-line errors, and recorded.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Figures for the quality of an image. All images are of format QImage::Format_BGR888.
 #pragma once
 
@@ -5,8 +6,8 @@
 
 namespace tesmor::apps {
 
-// How sharp the edges are: root mean square of the brightness gradient, grey levels per pixel. Comparable between images
-// of the same field. At least 3 x 3 pixels.
+// How sharp the edges are: root mean square of the brightness gradient, grey levels per pixel. Comparable between
+// images of the same field. At least 3 x 3 pixels.
 double edgeSharpness(const QImage& image);
 
 // The next two compare an image with a reference of the same size.

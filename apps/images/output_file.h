@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The image file that a subcommand writes. Both functions throw UserError, which names the file and the remedy, and
 // Interrupted (see interrupt.h).
 #pragma once
@@ -11,8 +12,8 @@ namespace tesmor::apps {
 // Checks in advance that the result can be written: format, folder, permissions. Leaves nothing behind.
 void checkOutputFile(const QString& file, QSize size);
 
-// In the format given by the file's name. The file appears, or replaces an existing one, only once it is complete; after a
-// failure or an interruption nothing has changed.
+// In the format given by the file's name. The file appears, or replaces an existing one, only once it is complete;
+// after a failure or an interruption nothing has changed.
 void writeOutputFile(const QString& file, const QImage& image);
 
 } // namespace tesmor::apps

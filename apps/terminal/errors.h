@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // How our programs fail: the exit status, and the one line that says why.
 #pragma once
 

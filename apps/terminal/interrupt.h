@@ -1,4 +1,6 @@
-// Ctrl-C and the request to terminate (SIGINT, SIGTERM): they end the program within a second and leave no partial file.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Ctrl-C and the request to terminate (SIGINT, SIGTERM): they end the program within a second and leave no partial
+// file.
 //
 // Outside an InterruptGuard they end the program at once, with status 130. Inside one they only raise a flag, which the
 // guarded code checks.

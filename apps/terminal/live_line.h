@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A status line on standard output: on a terminal redrawn in place, otherwise a new line now and then.
 #pragma once
 

@@ -1,5 +1,6 @@
-// The progress of a long task on standard output: on a terminal a bar that is redrawn in place, otherwise a line now and
-// then.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The progress of a long task on standard output: on a terminal a bar that is redrawn in place, otherwise a line now
+// and then.
 #pragma once
 
 #include "terminal/live_line.h"

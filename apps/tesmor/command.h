@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // All of the command `tesmor` but main.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/subcommands.h"
 
 #include "host/focus_units.h"

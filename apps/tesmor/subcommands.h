@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The subcommands of `tesmor`; command.cpp has the table of them.
 //
 // argv[0] is "tesmor NAME". Each creates the Qt application that it needs, and returns the exit status or throws

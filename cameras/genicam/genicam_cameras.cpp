@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "cameras/genicam/genicam_cameras.h"
 
 #include "cameras/genicam/genicam_device.h"

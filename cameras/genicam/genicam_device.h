@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The frames of one camera, through Aravis.
 #pragma once
 

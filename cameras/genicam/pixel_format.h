@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // From a camera's pixels to the library's.
 #pragma once
 
@@ -17,8 +18,8 @@ bool isConvertible(ArvPixelFormat format);
 
 class FrameConverter {
 public:
-    // Rows without padding become blue, green and red in padded rows. The result is valid until the next call, at most as
-    // long as the pixels are.
+    // Rows without padding become blue, green and red in padded rows. The result is valid until the next call, at most
+    // as long as the pixels are.
     const std::uint8_t* convert(ArvPixelFormat format, const std::uint8_t* pixels, std::int32_t width,
                                 std::int32_t height);
 

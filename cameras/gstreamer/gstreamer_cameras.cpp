@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "cameras/gstreamer/gstreamer_cameras.h"
 
 #include "cameras/gstreamer/gstreamer_device.h"

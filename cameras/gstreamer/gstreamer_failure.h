@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // GStreamer's errors as one line for people, with a remedy.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "cameras/gstreamer/v4l2_controls.h"
 
 #include <linux/videodev2.h>

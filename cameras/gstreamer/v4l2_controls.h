@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Exposure and gain of a camera that the system's video driver runs, beside the stream that GStreamer takes from it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The camera of a virtual microscope in this process. While it is started, so is the microscope's drive.
 #pragma once
 
@@ -11,8 +12,8 @@ namespace tesmor::cameras {
 
 class VirtualDevice : public Device {
 public:
-    // The microscope must have been made with 0 frames a second: they are exposed here, so many a second. Nobody else may
-    // start or stop it.
+    // The microscope must have been made with 0 frames a second: they are exposed here, so many a second. Nobody else
+    // may start or stop it.
     VirtualDevice(std::shared_ptr<microscope::VirtualMicroscope> microscope, double framesPerSecond);
     ~VirtualDevice() override;
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The drive link on a local socket: one thread serves all clients of a unit.
 #include "drive_service/drive_service.h"
 #include "drive_service/linux/link_socket.h"

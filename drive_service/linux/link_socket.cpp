@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "drive_service/linux/link_socket.h"
 
 #include "protocol/drive_socket.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The sockets of the drive link, as its service uses them. None of them blocks.
 #pragma once
 

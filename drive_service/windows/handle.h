@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Handles of the system that close themselves, and overlapped operations that never outlive their memory.
 #pragma once
 

@@ -1,5 +1,6 @@
-// Plays a unit of the simulated driver braskdrv, which must run. One thread answers requests, and another, which may wait
-// for the driver, hands over acknowledgements; see driver/protocol.h.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Plays a unit of the simulated driver braskdrv, which must run. One thread answers requests, and another, which may
+// wait for the driver, hands over acknowledgements; see driver/protocol.h.
 #include "drive_service/drive_service.h"
 
 #include "drive_service/windows/driver/protocol.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "microscope/camera/best_focus.h"
 
 #include "protocol/central_region.h"

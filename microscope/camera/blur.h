@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Gaussian blur of an image of three interleaved channels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The camera: exposes frames of a scene at the motor's position and hands them to a sink.
 #pragma once
 

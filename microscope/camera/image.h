@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Images and frames as the camera delivers them: 3 bytes a pixel in the order blue, green, red; rows padded to a
 // multiple of 4 bytes.
 #pragma once

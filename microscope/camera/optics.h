@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The specimen seen through an objective: every part of it blurred by its distance from the focus.
 #pragma once
 
@@ -12,8 +13,8 @@
 namespace tesmor::microscope {
 
 // The sharp picture is blurred beforehand to a series of widths; a pixel of the view is mixed of the two pictures whose
-// widths lie around that pixel's own. Each detail so fades steadily with its distance from the focus. Blur stops growing
-// at a quarter of the picture's width.
+// widths lie around that pixel's own. Each detail so fades steadily with its distance from the focus. Blur stops
+// growing at a quarter of the picture's width.
 class Optics : public Scene {
 public:
     Optics(Specimen specimen, const Objective& objective);

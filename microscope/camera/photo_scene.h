@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A series of photographs that stands in for the specimen: what the camera sees at each focus position.
 #pragma once
 
@@ -13,8 +14,8 @@ struct PhotoPlanes {
     double stepsPerPlane = 500; // motor steps between two neighbours, more than 0
 };
 
-// The first plane is at position 0. Between two planes the view is mixed of both; before the first and after the last it
-// does not change any more.
+// The first plane is at position 0. Between two planes the view is mixed of both; before the first and after the last
+// it does not change any more.
 class PhotoScene : public Scene {
 public:
     // Throws std::invalid_argument when there are no planes, their sizes differ or stepsPerPlane is not above 0.

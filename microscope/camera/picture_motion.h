@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What moves the picture while a stack is taken: the focus itself, and a stand that does not keep still.
 #pragma once
 
@@ -10,13 +11,13 @@ namespace tesmor::microscope {
 
 // All 0: the picture stays where it is.
 struct MotionSettings {
-    // Share by which the picture grows for each depth of field that the focus moves forward; up to ten of them on either
-    // side of the best focus. -0.01 to 0.01.
+    // Share by which the picture grows for each depth of field that the focus moves forward; up to ten of them on
+    // either side of the best focus. -0.01 to 0.01.
     double breathing = 0;
 
-    // The picture drifts about: smoothly, another way every five seconds, at most so many pixels to each side and so many
-    // degrees. The time is that of the camera's clock: a frame's number by the frames per second, or the number itself
-    // where frames only come when they are asked for.
+    // The picture drifts about: smoothly, another way every five seconds, at most so many pixels to each side and so
+    // many degrees. The time is that of the camera's clock: a frame's number by the frames per second, or the number
+    // itself where frames only come when they are asked for.
     double drift = 0; // pixels, 0 to 64
     double turn = 0;  // degrees, 0 to 5
 };

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "microscope/camera/sensor.h"
 
 #include "microscope/camera/scene.h"

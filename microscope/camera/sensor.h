@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The camera's sensor: turns brightness into bytes and adds the noise of the exposure.
 #pragma once
 

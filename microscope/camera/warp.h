@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // How a frame lies over the still picture, that is, over the frame that a microscope without any motion would give.
 #pragma once
 
@@ -26,7 +27,8 @@ struct Warp {
     Point stillAt(Point shown) const; // the other way round
 };
 
-// A scene's whole picture at one focus position, in the levels of a scene (see scene.h): a frame and what lies around it.
+// A scene's whole picture at one focus position, in the levels of a scene (see scene.h): a frame and what lies around
+// it.
 struct Picture {
     std::int32_t width;  // of the frame, pixels
     std::int32_t height; // likewise

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Keeps frames and acknowledgements in order: a frame that is delivered after a move was acknowledged was exposed after
 // that. Camera and drive share one gate. Any thread.
 #pragma once

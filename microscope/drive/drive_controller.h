@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The camera's controller behind the focus drive: takes control requests, turns the motor, owes acknowledgements, and
 // does every fault that is switched on. It knows nothing of the way on which requests come; a transport brings them.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // One switch for each fault of the focus drive. All are off by default; a count falls by one at each use, a flag is
 // cleared by its use.
 #pragma once

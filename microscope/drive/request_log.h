@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What the drive was asked for, and what it answered.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Random numbers that depend on the seed alone, not on the standard library.
 #pragma once
 

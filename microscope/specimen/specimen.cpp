@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "microscope/specimen/specimen.h"
 
 #include "microscope/specimen/random.h"

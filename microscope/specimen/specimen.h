@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What lies on the slide: a drop of pond water with stained tissue, made up from the seed.
 #pragma once
 
@@ -16,10 +17,9 @@ struct ColourField {
     std::vector<float> values; // three a pixel, row by row
 };
 
-// The picture has detail at all scales, from single pixels to the whole field. The relief fits the depth of field: flat, but
-// for some waves, in the middle, bent up towards the edges, with cells, shells and fibres lying above and below, steps
-// at their outlines; some six depths of field in all.
-// A wider margin changes nothing in the frame.
+// The picture has detail at all scales, from single pixels to the whole field. The relief fits the depth of field:
+// flat, but for some waves, in the middle, bent up towards the edges, with cells, shells and fibres lying above and
+// below, steps at their outlines; some six depths of field in all. A wider margin changes nothing in the frame.
 struct Specimen {
     std::int32_t margin;          // of what follows, around the frame, pixels
     ColourField colour;           // brightness 0 to 255 (blue, green, red) in even light, sharp everywhere

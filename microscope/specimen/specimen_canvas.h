@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The slide on which the specimen's things are laid, one over the other.
 #pragma once
 

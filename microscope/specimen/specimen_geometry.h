@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The geometry that the specimen's things share. Lengths in pixels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "microscope/specimen/specimen_things.h"
 
 #include "microscope/specimen/specimen_geometry.h"

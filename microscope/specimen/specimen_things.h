@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The things in the specimen. Lengths in coordinates of the slide, heights in depths of field.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "microscope/specimen/value_noise.h"
 
 #include "microscope/specimen/random.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "commands.h"
 
 #include "interpreter.h"
@@ -21,8 +22,8 @@ constexpr auto TICK = 50ms;
 
 bool workerStarted = false; // with the GIL
 
-// One thread at a time hands a command over or aborts one: of the library's posts one that comes later may be served first,
-// and an abort would be lost on the command that overtakes it.
+// One thread at a time hands a command over or aborts one: of the library's posts one that comes later may be served
+// first, and an abort would be lost on the command that overtakes it.
 std::mutex& handover = *new std::mutex;
 
 thread_local bool greyFrames; // of the frame in tesmor_video on this thread

@@ -1,9 +1,10 @@
-// Commands of the library: posted here, asked for their outcome by whoever waits. One worker for the process; it starts with
-// the first command and ends with the interpreter.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Commands of the library: posted here, asked for their outcome by whoever waits. One worker for the process; it starts
+// with the first command and ends with the interpreter.
 //
-// A command's context in the library is a number, not an address: a report that comes late finds no command of its number
-// and is dropped. What the library reads and writes is kept until the command has ended, whatever becomes of the waiting
-// thread.
+// A command's context in the library is a number, not an address: a report that comes late finds no command of its
+// number and is dropped. What the library reads and writes is kept until the command has ended, whatever becomes of the
+// waiting thread.
 #pragma once
 
 #include "frames.h"

@@ -1,5 +1,6 @@
-// Pictures on their way between NumPy, where they are height x width x 3 in the order red, green, blue, or height x width in
-// grey, and the library's frame layout: blue, green, red, rows padded to a multiple of 4 bytes.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Pictures on their way between NumPy, where they are height x width x 3 in the order red, green, blue, or height x
+// width in grey, and the library's frame layout: blue, green, red, rows padded to a multiple of 4 bytes.
 #pragma once
 
 #include <pybind11/numpy.h>
@@ -17,11 +18,12 @@ constexpr std::size_t rowBytes(std::size_t width)
     return (width * 24 + 31) / 32 * 4;
 }
 
-// An array's pixels in the library's layout. Those of a contiguous array in the order blue, green, red, seen the other way
-// round (`bgr[..., ::-1]`), are used where they are if their rows need no padding; all others are copied.
+// An array's pixels in the library's layout. Those of a contiguous array in the order blue, green, red, seen the other
+// way round (`bgr[..., ::-1]`), are used where they are if their rows need no padding; all others are copied.
 class Picture {
 public:
-    // `array` is of uint8, height x width x 3 or height x width; the Python side has checked that. Throws std::bad_alloc.
+    // `array` is of uint8, height x width x 3 or height x width; the Python side has checked that. Throws
+    // std::bad_alloc.
     explicit Picture(const py::array& array);
 
     // Uses, and replaces when it is too small, `room` for the copy. `array` must outlive the picture. Needs no GIL.
@@ -50,8 +52,8 @@ private:
     const std::uint8_t* pixels_;
 };
 
-// A new array of the picture that `pixels` hold in the library's layout; grey keeps one of its three equal colours. With the
-// GIL.
+// A new array of the picture that `pixels` hold in the library's layout; grey keeps one of its three equal colours.
+// With the GIL.
 py::array toArray(const std::uint8_t* pixels, std::size_t width, std::size_t height, bool grey);
 
 } // namespace tesmor::python

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // How this module lives with the interpreter: who holds the GIL, and the order in which things end.
 //
 // No function of this module runs Python code while it waits, and no thread of the library ever enters the interpreter:
@@ -11,9 +12,9 @@ namespace tesmor::python {
 
 namespace py = pybind11;
 
-// Gives the GIL to others as long as it lives. A thread that comes back for the GIL after the interpreter has ended would be
-// killed in the middle of C++ code, so leaveInterpreter() waits until nobody is inside one. Throws std::runtime_error when
-// the module can no longer be used.
+// Gives the GIL to others as long as it lives. A thread that comes back for the GIL after the interpreter has ended
+// would be killed in the middle of C++ code, so leaveInterpreter() waits until nobody is inside one. Throws
+// std::runtime_error when the module can no longer be used.
 class GilReleased {
 public:
     GilReleased();

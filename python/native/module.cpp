@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // tesmor._native: what the Python files of the package build on. It checks nothing that they have checked.
 #include "commands.h"
 #include "frames.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 """Automatic focusing, manual focus moves, focus stacks, and images that are sharp throughout.
 
     fused = tesmor.fuse(images)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 """Which arrays are images."""
 
 from __future__ import annotations

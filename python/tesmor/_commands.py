@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 """Posts a command to the library and waits for its end.
 
 The library's threads never enter Python. Instead, the waiting thread polls twenty times per second, which also lets Python

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 """Exceptions for the library's result codes."""
 
 from __future__ import annotations

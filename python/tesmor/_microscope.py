@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 from __future__ import annotations
 
 from types import TracebackType

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 """The module in C++ that the package builds on; not for programs outside it. Nothing here checks an argument's value."""
 
 from typing import Callable, Sequence

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The exported functions. Each posting function writes exactly the fields named here; that they differ, also in what
 // they do to runFlag, is part of the contract.
 #include "api/global.h"

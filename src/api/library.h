@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The library's state in a process: one session, its worker, and what set-up learns about the process.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "drive/focus_drive.h"
 
 #include "protocol/drive_request.h"

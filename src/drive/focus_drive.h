@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The open link to the focus motor. It tracks no position: every move is relative.
 #pragma once
 

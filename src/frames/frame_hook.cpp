@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "frames/frame_hook.h"
 
 #include "measure/focus_measure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The video thread's side of the exchange of a frame: what tesmor_video does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "frames/frame_wait.h"
 
 #include "platform/clock.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The worker's side of the exchange of a frame.
 #pragma once
 

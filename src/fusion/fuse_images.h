@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Merges a focus stack into one image that is sharp throughout.
 //
 // A soft, per-pixel weighted mean:

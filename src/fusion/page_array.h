@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A large array of plain values, for which running out of memory is a result and not an exception.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "fusion/plane_rows.h"
 
 #include "fusion/cpu_clones.h"

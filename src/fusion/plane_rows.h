@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What happens between the bytes of an image and a row of the sharpening engine's plane, one colour at a time.
 #pragma once
 

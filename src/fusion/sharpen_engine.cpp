@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "fusion/sharpen_engine.h"
 
 #include "fusion/cpu_clones.h"
@@ -19,8 +20,8 @@ constexpr std::size_t fftwBytes(std::int32_t width, std::int32_t height) noexcep
     return (std::size_t{2} << 20) + 192 * (static_cast<std::size_t>(width) + static_cast<std::size_t>(height));
 }
 
-// How far beyond the cutoff the frequencies of a row lie, a group from column x on; v and u are 1 at zero frequency and 0 at the
-// highest.
+// How far beyond the cutoff the frequencies of a row lie, a group from column x on; v and u are 1 at zero frequency and
+// 0 at the highest.
 void distancesBeyond(double cutoff, double v, double columnStep, std::int32_t x, double* distances) noexcept
 {
     const double rootOfTwo = std::sqrt(2.0);
@@ -65,8 +66,8 @@ bool SharpenEngine::obtainArrays() noexcept
     return row_ && spectrum_ && gain_;
 }
 
-// FFTW ends the process when it cannot get memory of its own, so there must be some to spare. FFTW_MEASURE overwrites the
-// arrays that it plans with; nothing is in them yet.
+// FFTW ends the process when it cannot get memory of its own, so there must be some to spare. FFTW_MEASURE overwrites
+// the arrays that it plans with; nothing is in them yet.
 bool SharpenEngine::makePlans() noexcept
 {
     if (!makePageArray<char>(fftwBytes(width_, height_)))

@@ -1,11 +1,12 @@
-// Sharpens values of a fixed width and height by a radial boost of their high frequencies, in the two-dimensional discrete
-// Fourier domain. The values are real, so half of each spectrum says everything: see docs/architecture.md.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Sharpens values of a fixed width and height by a radial boost of their high frequencies, in the two-dimensional
+// discrete Fourier domain. The values are real, so half of each spectrum says everything: see docs/architecture.md.
 //
-// One sharpening of a colour: fill row and forwardRow for each row, boost, inverseRow and read row for each row. prepare
-// and buildGain come once before. Only the spectrum is ever whole: rows pass through one buffer, on their way into it and
-// out of it, and a few columns at a time are transformed, boosted and transformed back while the cache holds them. A row
-// can be filled again as soon as it is read.
-// One thread at a time; FFTW's planner is not thread-safe, so no two engines may be prepared or released at once.
+// One sharpening of a colour: fill row and forwardRow for each row, boost, inverseRow and read row for each row.
+// prepare and buildGain come once before. Only the spectrum is ever whole: rows pass through one buffer, on their way
+// into it and out of it, and a few columns at a time are transformed, boosted and transformed back while the cache
+// holds them. A row can be filled again as soon as it is read. One thread at a time; FFTW's planner is not thread-safe,
+// so no two engines may be prepared or released at once.
 #pragma once
 
 #include "fusion/page_array.h"
@@ -72,8 +73,8 @@ private:
         return (width_ / 2 + COLUMN_GROUP) / COLUMN_GROUP;
     }
 
-    // Columns from one row of the spectrum to the next. An odd number of groups: at a power of two the values of a column
-    // would share a few places of the cache.
+    // Columns from one row of the spectrum to the next. An odd number of groups: at a power of two the values of a
+    // column would share a few places of the cache.
     std::int32_t pitch() const noexcept
     {
         return (groupCount() | 1) * COLUMN_GROUP;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // One pass of the 3 x 3 mean that smooths the weights of an image.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "fusion/weighted_mean.h"
 
 #include "fusion/cpu_clones.h"
@@ -7,8 +8,8 @@ namespace tesmor {
 
 namespace {
 
-// A weight of 0 counts as 1, so that every image counts everywhere. Without __restrict there are too many pairs of arrays
-// to tell apart for vector code.
+// A weight of 0 counts as 1, so that every image counts everywhere. Without __restrict there are too many pairs of
+// arrays to tell apart for vector code.
 TESMOR_CPU_CLONES void addWeighted(const std::uint8_t* row, const std::int32_t* weights, std::size_t width,
                                    std::int32_t* __restrict weightSum, float* __restrict blue, float* __restrict green,
                                    float* __restrict red) noexcept

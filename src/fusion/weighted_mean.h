@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The per-pixel weighted mean colour of the images added so far.
 #pragma once
 
@@ -8,8 +9,8 @@
 
 namespace tesmor {
 
-// Highlights enter the mean compressed: values from 192 up by 1 in 8, so that 255 counts as 247. They are never expanded
-// again.
+// Highlights enter the mean compressed: values from 192 up by 1 in 8, so that 255 counts as 247. They are never
+// expanded again.
 constexpr std::int32_t compressHighlight(std::int32_t value) noexcept
 {
     return value < 192 ? value : value - (value - 184) / 8;

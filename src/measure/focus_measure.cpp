@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "measure/focus_measure.h"
 
 #include "protocol/central_region.h"
@@ -9,8 +10,8 @@ namespace tesmor {
 
 namespace {
 
-// By the running bit count of the rows above: where the width is no multiple of 4, rows drift against their padding, but
-// never past it.
+// By the running bit count of the rows above: where the width is no multiple of 4, rows drift against their padding,
+// but never past it.
 const std::uint8_t* rowStart(const std::uint8_t* image, std::int32_t width, std::int32_t row) noexcept
 {
     return image + rowBytes(std::int64_t{row} * width);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The focus measure: how much the luminance of a frame's central region varies.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "measure/luma_tables.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Luminance for each byte value of each colour.
 #pragma once
 

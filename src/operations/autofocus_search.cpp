@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "operations/autofocus_search.h"
 
 #include "drive/focus_drive.h"

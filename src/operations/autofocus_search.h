@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The autofocus: drives the focus motor to the position with the highest sharpness.
 //
 // A hill climb on two step sizes, all in motor steps:

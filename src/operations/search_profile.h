@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Range and step size of the autofocus search, by objective magnification.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The capture of a focus stack: frames at evenly spaced focus positions.
 #pragma once
 

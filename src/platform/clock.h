@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Time that only moves forward. An interface, so that whoever waits can be handed another clock than the system's.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The focus drive's device: on Windows the camera driver's device object, on Linux a link to a drive service.
 // Interfaces, so that a drive can be handed other units than the system's.
 #pragma once
@@ -23,11 +24,10 @@ public:
     // driver works; on Linux at most 1000 ms. False at once when the link is down.
     virtual bool control(std::uint32_t code, std::span<const std::uint8_t> input) noexcept = 0;
 
-    // Reads one byte, of any value. Blocks at most `timeoutMs`. False when none came, `completion` is null or the device
-    // has gone.
-    // `completion`: a manual-reset event that the read resets when it begins and that is set when a byte has come; the
-    // same one at each read of a device.
-    // A read that timed out may still take a byte later; whatever it needs for that belongs to the device.
+    // Reads one byte, of any value. Blocks at most `timeoutMs`. False when none came, `completion` is null or the
+    // device has gone. `completion`: a manual-reset event that the read resets when it begins and that is set when a
+    // byte has come; the same one at each read of a device. A read that timed out may still take a byte later; whatever
+    // it needs for that belongs to the device.
     virtual bool readByte(Event* completion, std::uint32_t timeoutMs) noexcept = 0;
 };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // An event: a signal that one thread sets and another waits for.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The process's code page and its user's language, as Windows numbers them. Neither blocks or fails.
 #pragma once
 

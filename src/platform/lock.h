@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A mutual-exclusion lock, for std::lock_guard. Not recursive.
 #pragma once
 

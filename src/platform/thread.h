@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Starting a thread and waiting for it.
 #pragma once
 
@@ -28,8 +29,8 @@ void waitForThread(ThreadHandle thread) noexcept;
 std::int32_t closeThread(ThreadHandle thread) noexcept;
 
 // As long as it lives, the calling thread, one that createSuspendedThread made, blocks the signals that its creator
-// blocked then, and no more: so that what a callback of the host starts can be ended by signals. Nothing happens on other
-// threads and on Windows. Does not block.
+// blocked then, and no more: so that what a callback of the host starts can be ended by signals. Nothing happens on
+// other threads and on Windows. Does not block.
 class CreatorSignals {
 public:
     CreatorSignals() noexcept;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The one record through which the exports hand a command and its parameters to the worker.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What the threads share while commands run: the command block, the flags, the events, and the handshake of a post.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The worker: takes one command at a time from the session, runs it to its end, reports its result and becomes idle.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* A host in C, linked to the shared library: every export is there with its signature. */
 #include "tesmor.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The load-time set-up.
 #include "api/library.h"
 

@@ -1,5 +1,6 @@
-// `tesmor snap`, `focus` and `stack` with GStreamer's test picture and with the virtual microscope. They need the drive's
-// unit 0 for themselves.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// `tesmor snap`, `focus` and `stack` with GStreamer's test picture and with the virtual microscope. They need the
+// drive's unit 0 for themselves.
 #include "command_run.h"
 
 #include <QDir>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // `tesmor demo` from end to end, its failures and its interruption. They need the drive's unit 0 for themselves.
 #include "command_run.h"
 #include "platform_linux/raw_service.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // How `tesmor fuse` fails: one line that names the culprit, the right status, and no file touched.
 #include "command_run.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What `tesmor fuse` makes of images.
 #include "command_run.h"
 

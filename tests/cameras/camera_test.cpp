@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A camera whose device does as the test says: nobody waits for it, and after a stop there is silence.
 #include "cameras/stream_watch.h"
 #include "cameras/watched_camera.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A GigE Vision camera on the loopback interface, in a process of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Aravis' fake camera shows a diagonal ramp that moves by one from frame to frame.
 #include "cameras/camera_list.h"
 #include "cameras/fake_gige_camera.h"
@@ -34,8 +35,8 @@ TEST(GenicamCamera, DeliversGreyToTheByte)
     }
 }
 
-// In colour the ramp is a rainbow. Where green is full, red rises by 4 from a pixel to the next and blue falls by as much,
-// so that whatever a mosaic leaves out lies exactly between its neighbours; but for the border.
+// In colour the ramp is a rainbow. Where green is full, red rises by 4 from a pixel to the next and blue falls by as
+// much, so that whatever a mosaic leaves out lies exactly between its neighbours; but for the border.
 bool isRainbow(const KeptFrame& frame, int border, int red)
 {
     const int first = byteAt(frame, border, border, red);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // GStreamer's test pictures, whose bytes are known.
 #include "cameras/camera_list.h"
 #include "cameras/watched_camera.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A video driver as this test plays it.
 #include "cameras/gstreamer/v4l2_controls.h"
 

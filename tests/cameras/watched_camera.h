@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Takes a camera's frames and events, and waits for them.
 #pragma once
 

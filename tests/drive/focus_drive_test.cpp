@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What reaches the device, line by line.
 #include "drive/focus_drive.h"
 

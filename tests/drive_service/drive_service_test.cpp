@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The drive service, byte for byte, as a client on the socket sees it.
 #include "drive_service/drive_service.h"
 

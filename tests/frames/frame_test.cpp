@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The exchange of a frame between the hook and the wait, on a clock that stands still unless it is told to go on.
 #include "frames/frame_hook.h"
 #include "frames/frame_wait.h"

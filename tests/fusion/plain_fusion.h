@@ -1,5 +1,6 @@
-// The fusion written down once more, as plainly and slowly as can be: naive transforms, no rotated buffers, one pixel at
-// a time. For small images.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The fusion written down once more, as plainly and slowly as can be: naive transforms, no rotated buffers, one pixel
+// at a time. For small images.
 #pragma once
 
 #include <complex>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The whole way: the library's autofocus over the drive's own link, with the camera's frames.
 #include "microscope/virtual_microscope.h"
 #include "operations/search_profile.h"

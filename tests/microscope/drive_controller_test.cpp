@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "microscope/drive/drive_controller.h"
 
 #include "protocol/drive_request.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What the virtual microscope shows, checked against the truth that it tells.
 #include "measure/focus_measure.h"
 #include "measure/luma_tables.h"

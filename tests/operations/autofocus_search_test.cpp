@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The search's moves over sharpness curves that matter, each worked out by hand.
 #include "operations/autofocus_search.h"
 
@@ -56,7 +57,8 @@ TEST_F(Search, MovesAsTheCurveTellsIt)
     const Case cases[] = {
         {"flat: ties go on, the first comparison is a fall", 4, [](std::int64_t) { return 1.0; },
          "3x4000 6x-4000 12000 4x4000 -8000 4x-4000 8000 4x800 -1600 1600"},
-        // Turned at 2560, two steps back is 1920; from there the fine sweep runs away from the peak and keeps its start.
+        // Turned at 2560, two steps back is 1920; from there the fine sweep runs away from the peak and keeps its
+        // start.
         {"peak forward", 40, [](std::int64_t x) { return peakAt(2000, x); },
          "3x320 6x-320 960 8x320 -640 4x-64 128 128"},
         {"peak in reverse: sweeps on from the far end", 40, [](std::int64_t x) { return peakAt(-2000, x); },

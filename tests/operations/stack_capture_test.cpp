@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "operations/stack_capture.h"
 
 #include "drive/focus_drive.h"

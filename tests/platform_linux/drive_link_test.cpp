@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The library's end of the drive link, packet by packet.
 #include "platform/drive_device.h"
 #include "platform_linux/raw_service.h"

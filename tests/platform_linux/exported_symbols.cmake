@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # The shared object exports the twelve functions and nothing else, and calls nothing that reads the environment, opens a
 # file or starts a program.
 execute_process(COMMAND ${NM} -D --defined-only --format=just-symbols ${LIBRARY}

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Both ends of the drive link, with nothing behind them: a test sends and receives each packet itself.
 #pragma once
 

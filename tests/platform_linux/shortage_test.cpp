@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What happens when memory runs out, each time in a process that has just started and keeps nothing in reserve.
 #include "fusion/fuse_images.h"
 #include "support/library_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Which signals the worker takes: in callbacks those that the thread takes which started it, else none.
 #include "support/call_recorder.h"
 #include "support/library_test.h"

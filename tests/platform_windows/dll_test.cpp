@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The DLL as a host loads it at run time: with tesmor_loader.h, by name and by ordinal.
 #include "tesmor_loader.h"
 #ifdef _WINDOWS_

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The library's end of the drive link on Windows, and the simulated driver's.
 #include "platform/drive_device.h"
 

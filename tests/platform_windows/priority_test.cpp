@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The worker's priority around a fusion.
 #include "support/call_recorder.h"
 #include "support/library_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A worker thread that the system creates and then will not resume.
 #include "support/library_test.h"
 

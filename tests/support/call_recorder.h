@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Remembers what the library called the host with.
 #pragma once
 

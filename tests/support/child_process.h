@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Linux: runs something in a process of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A library as freshly loaded for every test, its worker ended after it.
 #pragma once
 

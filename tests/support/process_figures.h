@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What a process holds at the moment, as the system counts it (Linux).
 #pragma once
 

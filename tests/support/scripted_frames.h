@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Frames whose sharpness is a function of where a scripted drive stands, and which a test can let fail.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The drive units and the clock of a test: a device that answers as it is told to and writes down all that it is asked,
 // and a time that passes only in waits and sleeps.
 #pragma once

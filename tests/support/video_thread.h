@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A host's video thread: one frame after the other, as fast as the library takes them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A manual move over the system's own drive link, down to the controller.
 #include "drive_service/drive_service.h"
 #include "microscope/drive/drive_controller.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Every operation with every fault in every phase: one result and one only, the drive closed, no longer a wait than
 // stated, and a library that runs the next command.
 #include "support/call_recorder.h"

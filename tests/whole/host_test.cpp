@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The shared library as a viewer uses it, on the virtual microscope: focus, capture a stack, fuse it.
 #include "microscope/virtual_microscope.h"
 #include "tesmor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The whole library on the real link: a drive service that fails in every way, early and late in every
 // operation that moves the focus.
 #include "microscope/virtual_microscope.h"

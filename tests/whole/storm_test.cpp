@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Threads that post, abort, ask, feed frames and re-initialise as they please, on the virtual microscope.
 // Longer, with another seed each time: system_tests --gtest_filter='Storm*' --gtest_repeat=80 --gtest_shuffle
 // What a host must not do is left out: no post comes from a callback, and tesmor_init and tesmor_fini come from one

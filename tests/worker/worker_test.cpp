@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The drive that a manual move leaves open.
 #include "support/call_recorder.h"
 #include "support/library_test.h"

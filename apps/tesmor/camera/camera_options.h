@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What the subcommands that look through a camera share on their command lines.
 #pragma once
 

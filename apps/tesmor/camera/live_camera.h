@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A camera whose frames go to the library.
 #pragma once
 

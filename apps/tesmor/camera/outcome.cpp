@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/camera/outcome.h"
 
 #include "terminal/command_line.h"

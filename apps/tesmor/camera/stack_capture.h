@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The slices of one focus stack as the library hands them over.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/comparison_picture.h"
 
 #include "tesmor/demo/chart_axis.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Images of one field side by side, for comparison by eye.
 #pragma once
 

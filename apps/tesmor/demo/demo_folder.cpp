@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/demo_folder.h"
 
 #include "images/output_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/demo_instrument.h"
 
 #include "images/frame_image.h"
@@ -34,8 +35,8 @@ std::size_t countPlanes(const microscope::Settings& settings)
     return settings.photos ? settings.photos->images.size() : 0;
 }
 
-// Motor steps from the best focus. Photographs show nothing new outside their planes, so the start lies among them, on the
-// longer side of the best one.
+// Motor steps from the best focus. Photographs show nothing new outside their planes, so the start lies among them, on
+// the longer side of the best one.
 double defaultOffset(const microscope::VirtualMicroscope& microscope, std::size_t planeCount)
 {
     const double offset = -DEFAULT_OFFSET * microscope.depthOfField();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The virtual microscope that a demo works with: its specimen and where it starts.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/demo_pictures.h"
 
 #include "tesmor/demo/comparison_picture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The two images that explain a demo. They need a QApplication.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A demo's session from beginning to end, and its results.
 #pragma once
 

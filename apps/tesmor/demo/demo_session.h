@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The four operations of a session at the microscope, done as any host of the library does them: focus, move, capture a
 // stack, merge it. Reports its progress on standard output.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The chart of an autofocus: contrast over motor position.
 #pragma once
 

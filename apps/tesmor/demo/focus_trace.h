@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The course of an autofocus, reconstructed from the moves that the drive was asked for and the frames that the library
 // received.
 #pragma once
@@ -30,9 +31,10 @@ using FocusTrace = std::vector<TraceStep>;
 // Motor steps, signed; none unless the request is a move that was accepted.
 std::optional<std::int64_t> displacementOf(const microscope::LoggedRequest& request);
 
-// Sizes tell the phases apart: the first nine moves, by one coarse step each, are the probe; a fine step is a fifth of a
-// coarse one; a longer move brings the motor to where the next sweep starts; the last two bring it to the sharpest
-// position. The sample of a move is the last frame before the next request, as the library goes on as soon as it has one.
+// Sizes tell the phases apart: the first nine moves, by one coarse step each, are the probe; a fine step is a fifth of
+// a coarse one; a longer move brings the motor to where the next sweep starts; the last two bring it to the sharpest
+// position. The sample of a move is the last frame before the next request, as the library goes on as soon as it has
+// one.
 //   requests        of one autofocus that has ended, in order
 //   frames          in order; earlier and later ones are ignored
 //   startPosition   motor steps

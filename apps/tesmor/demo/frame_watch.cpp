@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/frame_watch.h"
 
 #include "images/frame_image.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Passes the camera's frames to the library and keeps a record of each.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/plane_folder.h"
 
 #include "host/fusion_job.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // A folder of photographs as the planes of a specimen.
 #pragma once
 

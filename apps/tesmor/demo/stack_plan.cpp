@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/stack_plan.h"
 
 #include "host/focus_units.h"

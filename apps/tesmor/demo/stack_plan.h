@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Where a demo's focus stack begins, its number of slices and their spacing.
 #pragma once
 

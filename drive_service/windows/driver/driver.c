@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* braskdrv, simulated: a test driver that stands in for the camera's. See protocol.h. */
 #include "irp_queue.h"
 #include "protocol.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* Queues of requests that wait, each of which the system may cancel at any time. */
 #ifndef BRASKDRV_IRP_QUEUE_H
 #define BRASKDRV_IRP_QUEUE_H

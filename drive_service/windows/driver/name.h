@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* Names with a number in them. */
 #ifndef BRASKDRV_NAME_H
 #define BRASKDRV_NAME_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /*
  * What passes between the simulated driver braskdrv and the program that plays its drives, the service.
  *
@@ -6,13 +7,13 @@
  * takes each request of the unit's client, answers it, and hands over acknowledgement bytes. The unit is gone when the
  * service detaches it or closes the control device, also by dying.
  *
- * Requests and answers
- *   Before it attaches a unit, the service makes an inbound message pipe and three auto-reset events, named below. The
- *   driver writes each request of the client into the pipe, as one BraskdrvRequest, and holds the client until one of
- *   the events is set. After BRASKDRV_ANSWER_LIMIT_MS without an answer the request fails and the client's link is
- *   down for good. (Control requests that wait in the driver would be the usual way, but Wine gives a driver one request
- *   after the other only, and does not wait for a client's pending control request.)
- *   While a request waits for its answer, Wine lets no control request through: answer on a thread that makes none.
+ * Before it attaches a unit, the service makes an inbound message pipe and three auto-reset events, named below. The
+ * driver writes each request of the client into the pipe, as one BraskdrvRequest, and holds the client until one of the
+ * events is set. After BRASKDRV_ANSWER_LIMIT_MS without an answer the request fails and the client's link is down for
+ * good. While a request waits for its answer, Wine lets no control request through: answer on a thread that makes none.
+ *
+ * (Control requests that wait in the driver would be the usual way, but Wine gives a driver one request after the other
+ * only, and does not wait for a client's pending control request.)
  *
  * All else is a control request on the control device, whose handle stands for the unit. Little-endian.
  */

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* The driver's end of what a service answers requests with. IRQL PASSIVE_LEVEL. */
 #ifndef BRASKDRV_SERVICE_LINK_H
 #define BRASKDRV_SERVICE_LINK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "unit.h"
 #include "irp_queue.h"
 #include "protocol/drive_codes.h"

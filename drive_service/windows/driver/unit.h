@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* One unit: its client on one side, its service on the other. */
 #ifndef BRASKDRV_UNIT_H
 #define BRASKDRV_UNIT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 #include "irp_queue.h"
 #include "protocol/drive_codes.h"
 #include "unit.h"

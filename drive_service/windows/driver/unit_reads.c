@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* The client's reads and the acknowledgements that end them. */
 #include "irp_queue.h"
 #include "unit.h"

@@ -1,5 +1,6 @@
-// The focus drive's device on Linux: a link to a drive service, which must run as root or as the library's own user. One
-// whose backlog is full exists but does not answer.
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The focus drive's device on Linux: a link to a drive service, which must run as root or as the library's own user.
+// One whose backlog is full exists but does not answer.
 #include "platform/drive_device.h"
 
 #include "protocol/drive_link.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # nodelete: an unload must not pull the code from under a live worker.
 target_link_options(tesmor PRIVATE
   LINKER:--version-script=${CMAKE_CURRENT_SOURCE_DIR}/api/exports.map

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Runs the load-time set-up when the shared object is loaded.
 #include "platform/module.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // What the seam's objects are made of on Linux.
 #pragma once
 

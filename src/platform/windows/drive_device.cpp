@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // The focus drive's device on Windows: the camera driver's device object, opened for overlapped input and output. The
 // acknowledgement read is the only overlapped operation; control requests are synchronous.
 #include "platform/drive_device.h"

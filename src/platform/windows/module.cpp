@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 // Runs the load-time set-up when the DLL is attached to a process. Nothing is undone at detach.
 #include "platform/module.h"
 

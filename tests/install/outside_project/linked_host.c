@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* Linked to the installed library. The loader's table has the types of the header's functions, or this does not
    compile. */
 #include <tesmor.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
 /* Loads the library that is named, or the installed one, and merges an image with it; goes on without one that is
    missing. In C and, as it stands, in C++. */
 #include <tesmor_loader.h>
