@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/comparison_picture.h"
 
-#include "tesmor/demo/chart_axis.h"
+#include "charts/chart_axis.h"
 
 #include <QPainter>
 

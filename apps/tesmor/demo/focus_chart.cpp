@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "tesmor/demo/focus_chart.h"
 
-#include "tesmor/demo/chart_axis.h"
+#include "charts/chart_axis.h"
+#include "charts/phase_series.h"
 
 #include <QAreaSeries>
 #include <QChart>
 #include <QGraphicsScene>
 #include <QLegend>
-#include <QLegendMarker>
 #include <QLineSeries>
 #include <QPainter>
-#include <QScatterSeries>
 
 #include <algorithm>
 #include <cmath>
@@ -24,19 +23,6 @@ constexpr int WIDTH = 1500; // pixels
 constexpr int HEIGHT = 640;
 constexpr int TITLE_HEIGHT = 50;
 constexpr int LEFT_WIDTH = 860;
-
-struct PhaseLook {
-    SearchPhase phase;
-    const char* label;
-    QColor colour;
-    double size; // of a point, pixels
-};
-
-const PhaseLook LOOKS[] = {
-    {SearchPhase::PROBE, "probe", QColor(150, 150, 165), 15},
-    {SearchPhase::COARSE, "coarse sweep", QColor(225, 120, 20), 10},
-    {SearchPhase::FINE, "fine sweep", QColor(25, 125, 85), 10},
-};
 
 // One of the two plots.
 class Plot {
@@ -57,8 +43,8 @@ public:
         drawMark(static_cast<double>(data_.startPosition), "start", QPen(QColor(120, 120, 130), 2, Qt::DotLine));
         drawMark(data_.bestPosition, data_.bestLabel, QPen(QColor(190, 30, 45), 2));
         drawMark(static_cast<double>(data_.chosenPosition), "chosen", QPen(QColor(30, 70, 170), 2, Qt::DashLine));
-        for (const PhaseLook& look : LOOKS)
-            drawPhase(look);
+        for (const SearchPhase phase : CHARTED_PHASES)
+            drawPhase(phase);
     }
 
     QChart* chart() const
@@ -72,12 +58,6 @@ private:
         chart_->addSeries(series);
         series->attachAxis(positionAxis_);
         series->attachAxis(contrastAxis_);
-    }
-
-    void hideFromLegend(QAbstractSeries* series)
-    {
-        for (QLegendMarker* marker : chart_->legend()->markers(series))
-            marker->setVisible(false);
     }
 
     void shadeMargin()
@@ -106,25 +86,13 @@ private:
         add(line);
     }
 
-    void drawPhase(const PhaseLook& look)
+    void drawPhase(SearchPhase phase)
     {
-        auto* line = new QLineSeries;
-        auto* points = new QScatterSeries;
+        PhaseSeries series(chart_, positionAxis_, contrastAxis_, phase);
         for (const TraceStep& step : data_.trace) {
-            if (step.phase != look.phase || !step.sample)
-                continue;
-            const QPointF point(static_cast<double>(step.position), step.sample->contrast);
-            line->append(point);
-            points->append(point);
+            if (step.phase == phase && step.sample)
+                series.append(QPointF(static_cast<double>(step.position), step.sample->contrast));
         }
-        line->setPen(QPen(look.colour, 1.5));
-        points->setName(look.label);
-        points->setColor(look.colour);
-        points->setBorderColor(Qt::white);
-        points->setMarkerSize(look.size);
-        add(line);
-        add(points);
-        hideFromLegend(line);
     }
 
     const FocusChart& data_;

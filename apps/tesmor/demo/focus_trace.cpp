@@ -35,21 +35,6 @@ std::optional<SeenFrame> lastFrame(const std::vector<SeenFrame>& frames, Clock::
 
 } // namespace
 
-const char* phaseName(SearchPhase phase)
-{
-    switch (phase) {
-    case SearchPhase::PROBE:
-        return "probe";
-    case SearchPhase::COARSE:
-        return "coarse sweep";
-    case SearchPhase::FINE:
-        return "fine sweep";
-    case SearchPhase::RETURN:
-        break;
-    }
-    return "return";
-}
-
 std::optional<std::int64_t> displacementOf(const microscope::LoggedRequest& request)
 {
     const auto command = parseDriveCommand(request.code, request.input);

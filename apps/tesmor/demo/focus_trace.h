@@ -3,6 +3,7 @@
 // received.
 #pragma once
 
+#include "charts/search_phase.h"
 #include "microscope/drive/request_log.h"
 #include "tesmor/demo/frame_watch.h"
 
@@ -13,10 +14,6 @@
 #include <vector>
 
 namespace tesmor::apps {
-
-enum class SearchPhase { PROBE, COARSE, FINE, RETURN };
-
-const char* phaseName(SearchPhase phase);
 
 struct TraceStep {
     SearchPhase phase;         // of the sample, if there is one

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "tesmor/demo/chart_axis.h"
+#include "charts/chart_axis.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,20 +39,25 @@ QFont chartFont(double points, bool bold)
     return font;
 }
 
-QValueAxis* makeAxis(const QString& title, const Range& range)
+void setAxisRange(QValueAxis* axis, const Range& range)
 {
     const double interval = roundInterval(range);
+    const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(interval) + 1e-9)));
+    axis->setLabelFormat(QString("%.%1f").arg(decimals));
+    axis->setRange(range.low, range.high);
+    axis->setTickInterval(interval);
+}
+
+QValueAxis* makeAxis(const QString& title, const Range& range)
+{
     auto* axis = new QValueAxis;
     axis->setTitleText(title);
     axis->setTitleFont(chartFont(12));
     axis->setLabelsFont(chartFont(11));
-    const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(interval) + 1e-9)));
-    axis->setLabelFormat(QString("%.%1f").arg(decimals));
-    axis->setRange(range.low, range.high);
     axis->setTickType(QValueAxis::TicksDynamic);
     axis->setTickAnchor(0);
-    axis->setTickInterval(interval);
     axis->setGridLineColor(QColor(228, 228, 232));
+    setAxisRange(axis, range);
     return axis;
 }
 

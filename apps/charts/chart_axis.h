@@ -18,6 +18,9 @@ struct Range {
 
 QFont chartFont(double points, bool bold = false);
 
+// A new range for an axis made by makeAxis().
+void setAxisRange(QValueAxis* axis, const Range& range);
+
 // With four to nine ticks at round numbers. It belongs to the chart that it is added to.
 QValueAxis* makeAxis(const QString& title, const Range& range);
 

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The curve of a search: sharpness over motor position, drawn while it runs.
+#pragma once
+
+#include "charts/chart_axis.h"
+#include "charts/phase_series.h"
+
+#include <QWidget>
+
+#include <optional>
+#include <vector>
+
+class QChart;
+class QChartView;
+class QLineSeries;
+class QValueAxis;
+
+namespace tesmor::apps {
+
+class FocusCurveView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FocusCurveView(QWidget* parent = nullptr);
+
+    // The title of the horizontal axis, with its unit; "motor position (steps)" at first.
+    void setPositionTitle(const QString& title);
+
+    int sampleCount() const;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+public slots:
+    void clear(); // before a search
+    void addSample(tesmor::apps::SearchPhase phase, double position, double sharpness);
+    // Where the search ended; none while it runs.
+    void setChosenPosition(std::optional<double> position);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void followPalette();
+    void showRange();
+
+    QChart* chart_;
+    QChartView* view_;
+    QValueAxis* positionAxis_;
+    QValueAxis* sharpnessAxis_;
+    std::vector<PhaseSeries> phases_; // as CHARTED_PHASES
+    QLineSeries* chosen_;
+    std::optional<double> chosenPosition_;
+    std::optional<Range> positions_;
+    std::optional<Range> sharpness_;
+    int sampleCount_ = 0;
+};
+
+} // namespace tesmor::apps

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// An image with another laid over its right part, up to an edge that the user drags.
+#pragma once
+
+#include "viewer/widgets/image_view.h"
+
+namespace tesmor::apps {
+
+class WipeView : public ImageView {
+    Q_OBJECT
+
+public:
+    explicit WipeView(QWidget* parent = nullptr);
+
+    // Of the image's size; a null one lays nothing over it. The captions name the two parts.
+    void setOverlaid(const QImage& image, const QString& leftCaption, const QString& rightCaption);
+
+protected:
+    void drawOverlay(QPainter& painter) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    bool isNearEdge(QPointF viewPoint) const;
+
+    QImage overlaid_;
+    QString leftCaption_;
+    QString rightCaption_;
+    double edge_ = 0.5; // as a share of the view's width
+    bool moving_ = false;
+};
+
+} // namespace tesmor::apps
