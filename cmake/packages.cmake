@@ -48,7 +48,7 @@ build the library into a viewer.")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME tesmor)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS
-  "qt6-image-formats-plugins, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good")
+  "gstreamer1.0-plugins-base, gstreamer1.0-plugins-good")
 set(CPACK_COMPONENT_COMMAND_DEPENDS runtime)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION
   "Merges focus stacks, focuses and captures with a camera and a focus drive, and

@@ -3,6 +3,7 @@
 // answer.
 #include "fuzz/fuzz_input.h"
 #include "images/decoder_messages.h"
+#include "images/depth_range.h"
 #include "images/image_files.h"
 #include "protocol/frame_layout.h"
 #include "terminal/errors.h"
@@ -29,11 +30,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::require(ftruncate(file, 0) == 0 && pwrite(file, data, size, 0) == static_cast<ssize_t>(size), "a file");
     try {
         const apps::DecoderSession session;
-        const QSize imageSize = apps::readImageSize(name);
+        const apps::ImageSource source{name, 0, name};
+        const QSize imageSize = apps::readImageHeader(source).size;
         fuzz::require(imageSize.width() > 0 && imageSize.height() > 0, "an image has a size");
         if (qint64{imageSize.width()} * imageSize.height() > MOST_PIXELS)
             return 0;
-        const QImage image = apps::readFrame(name, imageSize);
+        const QImage image = apps::scaleToFrame(readImage(source, imageSize), apps::FULL_RANGE);
         fuzz::require(image.size() == imageSize && image.format() == QImage::Format_BGR888, "a frame is as announced");
         fuzz::require(image.bytesPerLine() == rowBytes(imageSize.width()), "and laid out as one");
     } catch (const apps::UserError&) {

@@ -2,6 +2,7 @@
 #include "images/image_files.h"
 
 #include "images/decoder_messages.h"
+#include "images/tiff_file.h"
 #include "terminal/errors.h"
 #include "terminal/text.h"
 
@@ -13,31 +14,14 @@ namespace tesmor::apps {
 
 namespace {
 
-void requireReadableFile(const QString& file)
-{
-    const QFileInfo info(file);
-    if (!info.exists())
-        throw UserError(file + ": no such file; check the name");
-    if (info.isDir())
-        throw UserError(file + ": is a folder; name the images in it, such as " + file + "/*.png");
-    if (!info.isFile())
-        throw UserError(file + ": not a regular file; copy the image to one");
-    if (!QFile(file).open(QIODevice::ReadOnly))
-        throw UserError(file + ": cannot be read; check its permissions");
-}
-
-// Throws unless the file is an image of a known format.
+// Throws unless the file is an image of a known format. TIFF files are not for Qt: see TiffFile.
 void open(QImageReader& reader, const QString& file)
 {
-    requireReadableFile(file);
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     reader.setFileName(file);
-    if (!QList<QByteArray>{"png", "jpg", "jpeg", "tif", "tiff", "bmp"}.contains(reader.format()))
+    if (!QList<QByteArray>{"png", "jpg", "jpeg", "bmp"}.contains(reader.format()))
         throw UserError(file + ": not a PNG, JPEG, TIFF or BMP image; convert it, or leave it out");
-    if (reader.imageCount() > 1)
-        throw UserError(QString("%1: contains %2 images; save each to its own file")
-                            .arg(file, QString::number(reader.imageCount())));
 }
 
 UserError damaged(const QString& file, const QString& detail)
@@ -56,19 +40,18 @@ bool isCutBmp(const QString& name)
     return start.startsWith("BM") && file.size() < qFromLittleEndian<quint32>(start.constData() + SIZE_OFFSET);
 }
 
-} // namespace
-
-QSize readImageSize(const QString& file)
+ImageHeader readHeader(const QString& file)
 {
     QImageReader reader;
     open(reader, file);
     const QSize size = reader.size();
     if (size.isEmpty())
         throw damaged(file, "cannot read its size");
-    return reader.transformation() & QImageIOHandler::TransformationRotate90 ? size.transposed() : size;
+    const bool lies = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    return {lies ? size.transposed() : size, isDeep(reader.imageFormat())};
 }
 
-QImage readFrame(const QString& file, QSize size)
+QImage decode(const QString& file)
 {
     const DecoderMessages messages;
     QImageReader reader;
@@ -78,12 +61,48 @@ QImage readFrame(const QString& file, QSize size)
         throw damaged(file, reader.errorString());
     if (messages.tellOfCutFile() || isCutBmp(file))
         throw damaged(file, "the end is missing");
+    return image;
+}
+
+} // namespace
+
+void requireReadableFile(const QString& file)
+{
+    const QFileInfo info(file);
+    if (!info.exists())
+        throw UserError(file + ": no such file; check the name");
+    if (info.isDir())
+        throw UserError(file + ": is a folder; name the images in it, such as " + file + "/*.png");
+    if (!info.isFile())
+        throw UserError(file + ": not a regular file; copy the image to one");
+    if (!QFile(file).open(QIODevice::ReadOnly))
+        throw UserError(file + ": cannot be read; check its permissions");
+}
+
+bool isDeep(QImage::Format format)
+{
+    return format == QImage::Format_Grayscale16 || format == QImage::Format_RGBX64 || format == QImage::Format_RGBA64 ||
+           format == QImage::Format_RGBA64_Premultiplied;
+}
+
+bool isGrey(const QImage& image)
+{
+    return image.depth() <= 8 ? image.allGray() : image.format() == QImage::Format_Grayscale16;
+}
+
+ImageHeader readImageHeader(const ImageSource& source)
+{
+    requireReadableFile(source.file);
+    return TiffFile::isTiff(source.file) ? TiffFile(source.file).readHeader(source) : readHeader(source.file);
+}
+
+QImage readImage(const ImageSource& source, QSize size)
+{
+    requireReadableFile(source.file);
+    QImage image = TiffFile::isTiff(source.file) ? TiffFile(source.file).read(source) : decode(source.file);
     if (image.size() != size)
         throw UserError(QString("%1: changed from %2 to %3 pixels in the meantime; try again")
-                            .arg(file, sizeText(size), sizeText(image.size())));
-    image.convertTo(QImage::Format_BGR888);
-    if (image.isNull())
-        throw std::bad_alloc();
+                            .arg(source.name, sizeText(size), sizeText(image.size())));
     return image;
 }
 

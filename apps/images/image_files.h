@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Reads PNG, JPEG, TIFF and BMP images, recognised by their content. All functions throw UserError, which names the
-// file and the remedy. Any thread, within a DecoderSession (see decoder_messages.h).
+// image and the remedy. Any thread, within a DecoderSession (see decoder_messages.h).
 #pragma once
+
+#include "images/image_source.h"
 
 #include <QImage>
 #include <QSize>
@@ -9,11 +11,23 @@
 
 namespace tesmor::apps {
 
-// From the header alone; with the orientation stored in the file applied.
-QSize readImageSize(const QString& file);
+void requireReadableFile(const QString& file);
 
-// The image in the library's frame layout (QImage::Format_BGR888): constBits() is a frame. Transparency is dropped,
-// 16-bit channels become 8-bit. It must have the given size, as returned by readImageSize.
-QImage readFrame(const QString& file, QSize size);
+// With 16 bits per sample.
+bool isDeep(QImage::Format format);
+
+// By its format or palette; a colour image without colours is none.
+bool isGrey(const QImage& image);
+
+struct ImageHeader {
+    QSize size; // upright
+    bool deep;
+};
+
+// Without decoding the image.
+ImageHeader readImageHeader(const ImageSource& source);
+
+// Upright, in the format that suits what is stored. It must have the given size, as returned by readImageHeader.
+QImage readImage(const ImageSource& source, QSize size);
 
 } // namespace tesmor::apps

@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <functional>
+#include <mutex>
 
 namespace tesmor::apps {
 
@@ -24,57 +26,130 @@ constexpr int MOST_DECODERS = 3;
 
 struct Decoded {
     QImage image;
+    bool grey;
     std::exception_ptr failure;
 };
 
-Decoded decode(const QString& file, QSize size) noexcept
+// On a decoder's thread.
+using Work = std::function<QImage(const QImage&)>;
+
+Decoded decode(const ImageSource& source, QSize size, const Work& work) noexcept
 {
     try {
-        return {readFrame(file, size), {}};
+        const QImage image = readImage(source, size);
+        return {work(image), isGrey(image), {}};
     } catch (...) {
-        return {{}, std::current_exception()};
+        return {{}, false, std::current_exception()};
     }
 }
 
-} // namespace
-
-QSize readCommonSize(const QStringList& files, int leastSide)
+Frames decodeAll(const ImageSeries& series, const Work& work, const QString& label, LiveLine::Style style)
 {
-    const DecoderSession session;
-    const QString& first = files.first();
-    const QSize size = readImageSize(first);
-    if (std::min(size.width(), size.height()) < leastSide)
-        throw UserError(QString("%1: only %2 pixels; the minimum is %3 x %3")
-                            .arg(first, sizeText(size), QString::number(leastSide)));
-    for (const QString& file : files) {
-        const QSize other = readImageSize(file);
-        if (other != size)
-            throw UserError(QString("%1: %2 pixels, but %3 has %4; all images must have the same size")
-                                .arg(file, sizeText(other), first, sizeText(size)));
-    }
-    return size;
-}
-
-std::vector<QImage> readFrames(const QStringList& files, QSize size, LiveLine::Style style)
-{
-    ProgressBar bar("Reading", style);
+    ProgressBar bar(label, style);
     const DecoderSession session;
     QThreadPool decoders;
     decoders.setMaxThreadCount(std::min(QThread::idealThreadCount(), MOST_DECODERS));
-    QFuture<Decoded> decoded =
-        QtConcurrent::mapped(&decoders, files, [size](const QString& file) { return decode(file, size); });
-    std::vector<QImage> images;
-    for (int i = 0; i < files.size(); ++i) {
-        bar.show(static_cast<int>(100 * i / files.size()));
+    QFuture<Decoded> decoded = QtConcurrent::mapped(
+        &decoders, series.sources, [&](const ImageSource& source) { return decode(source, series.size, work); });
+    Frames frames{{}, true};
+    const auto count = static_cast<int>(series.sources.size());
+    for (int i = 0; i < count; ++i) {
+        bar.show(100 * i / count);
         const Decoded next = decoded.resultAt(i); // waits for it
         if (next.failure) {
             decoded.cancel();
             decoded.waitForFinished();
             std::rethrow_exception(next.failure);
         }
-        images.push_back(next.image);
+        frames.images.push_back(next.image);
+        frames.grey = frames.grey && next.grey;
     }
-    return images;
+    return frames;
+}
+
+DepthRange usedRange(const ImageSeries& series, LiveLine::Style style)
+{
+    ValueCounts total;
+    std::mutex mutex;
+    const auto count = [&](const QImage& image) {
+        ValueCounts counts;
+        counts.add(image);
+        const std::lock_guard lock(mutex);
+        total.add(counts);
+        return QImage();
+    };
+    decodeAll(series, count, "Finding the range", style);
+    return total.usedRange();
+}
+
+QImage toFrame(const QImage& image)
+{
+    QImage frame = image.convertToFormat(QImage::Format_BGR888);
+    if (frame.isNull())
+        throw std::bad_alloc();
+    return frame;
+}
+
+// In the unit of deep images.
+DepthRange givenRange(const ImageSeries& series, DepthRange range)
+{
+    if (series.deepCount > 0)
+        return range;
+    if (range.high > 255)
+        throw UserError(
+            QString("--range ends at %1, but the images have 8 bits; it must end at 255 or below").arg(range.high));
+    return {257 * range.low, 257 * range.high};
+}
+
+} // namespace
+
+ImageSeries examineSeries(const std::vector<ImageSource>& sources, int leastSide)
+{
+    const DecoderSession session;
+    const ImageSource& first = sources.front();
+    const QSize size = readImageHeader(first).size;
+    if (std::min(size.width(), size.height()) < leastSide)
+        throw UserError(QString("%1: only %2 pixels; the minimum is %3 x %3")
+                            .arg(first.name, sizeText(size), QString::number(leastSide)));
+    ImageSeries series{sources, size, 0};
+    for (const ImageSource& source : sources) {
+        const ImageHeader header = readImageHeader(source);
+        if (header.size != size)
+            throw UserError(
+                QString("%1: %2 pixels, but %3 has %4; all images must have the same size; leave out the others")
+                    .arg(source.name, sizeText(header.size), first.name, sizeText(size)));
+        series.deepCount += header.deep ? 1 : 0;
+    }
+    return series;
+}
+
+std::optional<DepthRange> findRange(const ImageSeries& series, const RangeChoice& choice, LiveLine::Style style)
+{
+    const bool allDeep = series.deepCount == series.sources.size();
+    switch (choice.kind) {
+    case RangeChoice::Kind::GIVEN:
+        return givenRange(series, choice.given);
+    case RangeChoice::Kind::AUTO:
+        return usedRange(series, style);
+    case RangeChoice::Kind::UNSET:
+        if (allDeep)
+            return usedRange(series, style);
+        break;
+    case RangeChoice::Kind::FULL:
+        break;
+    }
+    return series.deepCount > 0 ? std::optional(FULL_RANGE) : std::nullopt;
+}
+
+DepthRange inUnitOf(const ImageSeries& series, DepthRange range)
+{
+    return series.deepCount > 0 ? range : DepthRange{range.low / 257, range.high / 257};
+}
+
+Frames readFrames(const ImageSeries& series, const std::optional<DepthRange>& range, LiveLine::Style style)
+{
+    const auto work = [&](const QImage& image) { return range ? scaleToFrame(image, *range) : toFrame(image); };
+    return decodeAll(series, work, "Reading", style);
 }
 
 } // namespace tesmor::apps

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "images/output_file.h"
 
+#include "images/tiff_writer.h"
 #include "terminal/errors.h"
 #include "terminal/interrupt.h"
 
@@ -36,6 +37,13 @@ QByteArray encode(const QString& file, const QImage& image)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
+    if (formatOf(file) == "tiff") {
+        buffer.open(QIODevice::ReadWrite);
+        TiffWriter writer(buffer, file, static_cast<std::uint64_t>(image.sizeInBytes()));
+        writer.addPage(image);
+        writer.finish();
+        return bytes;
+    }
     QImageWriter writer(&buffer, formatOf(file));
     if (writer.format() == "jpeg")
         writer.setQuality(JPEG_QUALITY);

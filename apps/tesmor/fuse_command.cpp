@@ -5,6 +5,7 @@
 #include "host/fusion_memory.h"
 #include "host/library_session.h"
 #include "images/image_series.h"
+#include "images/image_sources.h"
 #include "images/output_file.h"
 #include "terminal/command_line.h"
 #include "terminal/errors.h"
@@ -16,6 +17,7 @@
 #include <QColorSpace>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QJsonArray>
 
 #include <optional>
 #include <vector>
@@ -26,17 +28,19 @@ namespace {
 
 constexpr const char* DESCRIPTION =
     "Merges images of one field, taken at different focus positions, into one that is sharp throughout.\n\n"
-    "IMAGE... are 1 to 128 PNG, JPEG, TIFF or BMP files of one size, in any order. They should show the same field\n"
-    "without any shift. Transparency is dropped, 16-bit images are reduced to 8 bits, and the orientation stored in\n"
-    "a file is applied.\n\n"
-    "Example:\n"
-    "  tesmor fuse -o sharp.png slices/*.png\n\n"
+    "IMAGE... are 1 to 128 PNG, JPEG, TIFF or BMP images of one size, in any order. A TIFF file gives all its pages,\n"
+    "and 'stack.tif[3-20]' some of them. The images should show the same field without any shift. Transparency is\n"
+    "dropped, and the orientation stored in a file is applied.\n\n"
+    "Examples:\n"
+    "  tesmor fuse -o sharp.png slices/*.png\n"
+    "  tesmor fuse -o sharp.tif 'stack.tif[3-20]'\n\n"
     "Ctrl-C stops the run and leaves the output file as it was. Exit status: 0 done, 1 failed, 2 wrong usage,\n"
     "130 interrupted.";
 
 struct Request {
-    QStringList files;
+    QStringList images;
     QString output;
+    RangeChoice range;
     bool quiet;
     bool json;
 };
@@ -52,34 +56,44 @@ std::optional<Request> parseArguments(const QStringList& arguments)
          "Write to OUT, in the format given by its name. An existing OUT is replaced. Default: fused.png.",
          "OUT",
          "fused.png"},
+        {"range",
+         "Scale the stack to 8 bits so that LOW becomes black and HIGH white, as in 100,4095; full: whatever the files "
+         "can hold; auto: what the stack does hold, from its 0.1 to its 99.9 percentile. Default: auto for 16-bit "
+         "images; 8-bit images are left as they are.",
+         "RANGE"},
         {{"q", "quiet"}, "Print nothing but errors."},
         {"json",
-         "Like --quiet, but print the result as one line of JSON, with output, images, width, height and seconds."},
+         "Like --quiet, but print the result as one line of JSON, with output, images, width, height, range and "
+         "seconds."},
     });
     if (!parseCommandLine(parser, arguments))
         return std::nullopt;
     if (parser.positionalArguments().isEmpty())
         throw UsageError("no images named");
     const bool json = parser.isSet("json");
-    return Request{parser.positionalArguments(), parser.value("output"), json || parser.isSet("quiet"), json};
+    return Request{parser.positionalArguments(), parser.value("output"),
+                   parser.isSet("range") ? rangeChoiceOf(parser.value("range")) : RangeChoice{},
+                   json || parser.isSet("quiet"), json};
 }
 
-// The size that all images share.
-QSize checkImages(const QStringList& files)
+ImageSeries checkImages(const QStringList& arguments)
 {
-    if (files.size() > MOST_FUSED_IMAGES)
-        throw UserError(QString("%1 images are too many; the maximum is %2").arg(files.size()).arg(MOST_FUSED_IMAGES));
-    return readCommonSize(files, LEAST_FUSED_SIDE);
+    const std::vector<ImageSource> images = findImages(arguments);
+    if (images.size() > MOST_FUSED_IMAGES)
+        throw UserError(QString("%1 images are too many; the maximum is %2; choose pages as in stack.tif[1-%2]")
+                            .arg(images.size())
+                            .arg(MOST_FUSED_IMAGES));
+    return examineSeries(images, LEAST_FUSED_SIDE);
 }
 
-void checkOutput(const Request& request, QSize size)
+void checkOutput(const Request& request, const ImageSeries& series)
 {
     const QString output = QFileInfo(request.output).canonicalFilePath();
-    for (const QString& file : request.files) {
-        if (!output.isEmpty() && QFileInfo(file).canonicalFilePath() == output)
+    for (const ImageSource& image : series.sources) {
+        if (!output.isEmpty() && QFileInfo(image.file).canonicalFilePath() == output)
             throw UserError(request.output + ": is one of the images to merge; choose another name with -o");
     }
-    checkOutputFile(request.output, size);
+    checkOutputFile(request.output, series.size);
 }
 
 void say(const Request& request, const QString& text)
@@ -102,18 +116,23 @@ QImage makeOutput(const QImage& first)
 
 int fuse(const Request& request)
 {
-    const QSize size = checkImages(request.files);
-    const std::uint64_t memory = fusionMemory(size, static_cast<std::size_t>(request.files.size()));
-    checkOutput(request, size);
-    say(request,
-        QString("Merging %1 of %2 pixels; this takes about %3 of memory")
-            .arg(request.files.size() == 1 ? QString("1 image") : QString("%1 images").arg(request.files.size()),
-                 sizeText(size), memoryText(memory)));
+    const ImageSeries series = checkImages(request.images);
+    const QSize size = series.size;
+    const auto count = static_cast<qsizetype>(series.sources.size());
+    const std::uint64_t memory = fusionMemory(size, series.sources.size());
+    checkOutput(request, series);
+    say(request, QString("Merging %1 of %2 pixels; this takes about %3 of memory")
+                     .arg(count == 1 ? QString("1 image") : QString("%1 images").arg(count), sizeText(size),
+                          memoryText(memory)));
     requireFusionMemory(memory);
 
     const LiveLine::Style style = LiveLine::styleOfOutput(request.quiet);
     ProgressBar total({}, LiveLine::Style::SILENT);
-    const std::vector<QImage> images = readFrames(request.files, size, style);
+    const std::optional<DepthRange> range = findRange(series, request.range, style);
+    const DepthRange shown = inUnitOf(series, range.value_or(FULL_RANGE));
+    if (range)
+        say(request, QString("Scaling to 8 bits: %1 becomes black, %2 white").arg(shown.low).arg(shown.high));
+    const auto [images, grey] = readFrames(series, range, style);
     QImage output = makeOutput(images.front());
     std::int32_t result = TESMOR_SUCCESS;
     {
@@ -126,13 +145,14 @@ int fuse(const Request& request)
     if (result == TESMOR_ABORTED)
         throw Interrupted();
     say(request, "Writing " + request.output);
-    writeOutputFile(request.output, output);
+    writeOutputFile(request.output, grey ? output.convertToFormat(QImage::Format_Grayscale8) : output);
     say(request, "Done in " + durationText(total.elapsed()));
     if (request.json)
         printJson({{"output", request.output},
-                   {"images", request.files.size()},
+                   {"images", count},
                    {"width", size.width()},
                    {"height", size.height()},
+                   {"range", range ? QJsonArray{shown.low, shown.high} : QJsonValue()},
                    {"seconds", total.elapsed().count()}});
     return STATUS_DONE;
 }

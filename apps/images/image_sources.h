@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The images that a command line names.
+#pragma once
+
+#include "images/image_source.h"
+
+#include <QStringList>
+
+#include <vector>
+
+namespace tesmor::apps {
+
+// Every argument is a file, or pages of a TIFF file as in stack.tif[3-20]; a TIFF file without a range gives all its
+// pages. Throws UserError, which names the file and the remedy.
+std::vector<ImageSource> findImages(const QStringList& arguments);
+
+} // namespace tesmor::apps

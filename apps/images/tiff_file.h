@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// A TIFF file, read through libtiff. All throw UserError, which names the file or page and the remedy. Any number of
+// objects on one file, each used by one thread at a time.
+#pragma once
+
+#include "images/image_files.h"
+#include "images/image_source.h"
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+
+#include <memory>
+
+struct tiff;
+
+namespace tesmor::apps {
+
+struct TiffMessages;
+
+class TiffFile {
+public:
+    // By its first bytes; false if it cannot be read.
+    static bool isTiff(const QString& file);
+
+    // At its first page.
+    explicit TiffFile(const QString& file);
+    ~TiffFile();
+    TiffFile(const TiffFile&) = delete;
+    TiffFile& operator=(const TiffFile&) = delete;
+
+    int pageCount();
+
+    // Of the first page; in UTF-8 if the writer kept to a standard.
+    QByteArray description();
+
+    ImageHeader readHeader(const ImageSource& page);
+
+    // Of format Grayscale8, Grayscale16, RGB888, RGBX64 or, for palettes and the like, RGBX8888; turned upright, with
+    // resolution and colour profile.
+    QImage read(const ImageSource& page);
+
+private:
+    struct Layout;
+
+    void select(const ImageSource& page);
+    Layout layoutOf(const ImageSource& page);
+    void requireSound(const ImageSource& page, bool complete) const;
+
+    const QString file_;
+    std::unique_ptr<TiffMessages> messages_;
+    tiff* tiff_ = nullptr;
+};
+
+} // namespace tesmor::apps

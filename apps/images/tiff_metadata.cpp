@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "images/tiff_metadata.h"
+
+#include <QColorSpace>
+
+#include <tiffio.h>
+
+#include <cmath>
+
+namespace tesmor::apps {
+
+namespace {
+
+// 0 if the file does not say.
+int dotsPerMeter(tiff* file, std::uint32_t tag, double unitsPerMeter)
+{
+    float resolution = 0;
+    if (!TIFFGetField(file, tag, &resolution))
+        return 0;
+    const double dots = static_cast<double>(resolution) * unitsPerMeter;
+    return dots >= 1 && dots < 1e9 ? static_cast<int>(std::lround(dots)) : 0;
+}
+
+} // namespace
+
+void readMetadata(tiff* file, QImage& image)
+{
+    std::uint16_t unit = RESUNIT_INCH;
+    TIFFGetFieldDefaulted(file, TIFFTAG_RESOLUTIONUNIT, &unit);
+    const double unitsPerMeter = unit == RESUNIT_INCH ? 1 / 0.0254 : unit == RESUNIT_CENTIMETER ? 100 : 0;
+    image.setDotsPerMeterX(dotsPerMeter(file, TIFFTAG_XRESOLUTION, unitsPerMeter)); // which drops a 0
+    image.setDotsPerMeterY(dotsPerMeter(file, TIFFTAG_YRESOLUTION, unitsPerMeter));
+
+    std::uint32_t size = 0;
+    const void* profile = nullptr;
+    if (TIFFGetField(file, TIFFTAG_ICCPROFILE, &size, &profile)) {
+        const auto space = QColorSpace::fromIccProfile(QByteArray(static_cast<const char*>(profile), size));
+        if (space.isValid())
+            image.setColorSpace(space);
+    }
+}
+
+void writeMetadata(tiff* file, const QImage& image)
+{
+    const QImage unknown(1, 1, QImage::Format_Grayscale8); // Qt's guess, the screen's resolution
+    if (image.dotsPerMeterX() != unknown.dotsPerMeterX() || image.dotsPerMeterY() != unknown.dotsPerMeterY()) {
+        TIFFSetField(file, TIFFTAG_RESOLUTIONUNIT, RESUNIT_CENTIMETER);
+        TIFFSetField(file, TIFFTAG_XRESOLUTION, image.dotsPerMeterX() / 100.0);
+        TIFFSetField(file, TIFFTAG_YRESOLUTION, image.dotsPerMeterY() / 100.0);
+    }
+    const QByteArray profile = image.colorSpace().iccProfile();
+    if (!profile.isEmpty())
+        TIFFSetField(file, TIFFTAG_ICCPROFILE, static_cast<std::uint32_t>(profile.size()), profile.constData());
+}
+
+} // namespace tesmor::apps

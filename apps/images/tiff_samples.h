@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The samples of a page of a TIFF file.
+#pragma once
+
+#include <QImage>
+#include <QSize>
+
+struct tiff;
+
+namespace tesmor::apps {
+
+struct SampleLayout {
+    QSize size;
+    int bits;    // of a sample: 8 or 16
+    int samples; // of a pixel
+    int colours; // the first 1 or 3 of them
+    bool apart;  // each sample in a plane of its own
+};
+
+// Of format Grayscale8, Grayscale16, RGB888 or RGBX64; null if the file is damaged. Throws std::bad_alloc.
+QImage readSamples(tiff* file, const SampleLayout& layout);
+
+} // namespace tesmor::apps
