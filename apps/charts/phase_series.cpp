@@ -23,11 +23,11 @@ Look lookOf(SearchPhase phase)
 {
     switch (phase) {
     case SearchPhase::COARSE:
-        return {QScatterSeries::MarkerShapeRectangle, QColor(225, 120, 20), 9};
+        return {QScatterSeries::MarkerShapeRectangle, QColor(225, 120, 20), 8};
     case SearchPhase::FINE:
-        return {QScatterSeries::MarkerShapeTriangle, QColor(30, 150, 100), 11};
+        return {QScatterSeries::MarkerShapeTriangle, QColor(30, 150, 100), 9};
     default:
-        return {QScatterSeries::MarkerShapeCircle, QColor(140, 140, 155), 13};
+        return {QScatterSeries::MarkerShapeCircle, QColor(140, 140, 155), 11};
     }
 }
 

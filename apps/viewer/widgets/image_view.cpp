@@ -40,6 +40,7 @@ void ImageView::setImage(const QImage& image)
         updateCursor();
     }
     image_ = image;
+    drawn_ = QImage();
     update();
 }
 
@@ -149,10 +150,10 @@ void ImageView::drawImage(QPainter& painter)
 {
     const double pixels = geometry_.scale() * devicePixelRatioF();
     painter.setRenderHint(QPainter::SmoothPixmapTransform, pixels < CRISP_FROM && pixels != 1);
-    painter.drawImage(geometry_.imageRect(), image_);
+    painter.drawImage(geometry_.imageRect(), drawn_);
 }
 
-void ImageView::drawMarks(QPainter& painter)
+void ImageView::drawMarks(QPainter& painter, const QRectF& place)
 {
     painter.setRenderHint(QPainter::Antialiasing);
     QFont font = painter.font();
@@ -160,7 +161,8 @@ void ImageView::drawMarks(QPainter& painter)
     if (!caption_.isEmpty()) {
         painter.setFont(font);
         const double width = painter.fontMetrics().horizontalAdvance(caption_) + 2 * MARK_MARGIN;
-        const QRectF box(this->width() - MARK_MARGIN - width, MARK_MARGIN, width, painter.fontMetrics().height() * 1.6);
+        const QRectF box(place.right() - MARK_MARGIN - width, place.top() + MARK_MARGIN, width,
+                         painter.fontMetrics().height() * 1.6);
         painter.setPen(Qt::NoPen);
         painter.setBrush(QColor(0, 0, 0, 150));
         painter.drawRoundedRect(box, 4, 4);
@@ -173,7 +175,8 @@ void ImageView::drawMarks(QPainter& painter)
         painter.setFont(font);
         const QString text = tr("SIMULATED");
         const double width = painter.fontMetrics().horizontalAdvance(text) + 2 * MARK_MARGIN;
-        const QRectF box(MARK_MARGIN, MARK_MARGIN, width, painter.fontMetrics().height() * 1.5);
+        const QRectF box(place.left() + MARK_MARGIN, place.top() + MARK_MARGIN, width,
+                         painter.fontMetrics().height() * 1.5);
         painter.setPen(QPen(Qt::black, 2));
         painter.setBrush(MARK_COLOUR);
         painter.drawRoundedRect(box, 4, 4);
@@ -197,14 +200,16 @@ void ImageView::paintEvent(QPaintEvent*)
         painter.drawText(rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, placeholder_);
         return;
     }
+    if (drawn_.isNull())
+        drawn_ = image_.convertToFormat(QImage::Format_RGB32); // drawing it in another format costs several times more
     drawImage(painter);
     painter.save();
     drawOverlay(painter);
     painter.restore();
+    const QRectF place = rect().toRectF().intersected(geometry_.imageRect());
     if (micrometresPerPixel_ > 0)
-        drawScaleBar(painter, rect().toRectF().intersected(geometry_.imageRect()),
-                     micrometresPerPixel_ / geometry_.scale());
-    drawMarks(painter);
+        drawScaleBar(painter, place, micrometresPerPixel_ / geometry_.scale());
+    drawMarks(painter, place);
     if (hasFocus()) {
         painter.setRenderHint(QPainter::Antialiasing, false);
         painter.setBrush(Qt::NoBrush);

@@ -73,10 +73,11 @@ private:
     void scaleAround(QPointF viewPoint, double scale);
     double actualScale() const;
     void drawImage(QPainter& painter);
-    void drawMarks(QPainter& painter);
+    void drawMarks(QPainter& painter, const QRectF& place);
 
     ViewGeometry geometry_;
     QImage image_;
+    QImage drawn_; // the same in the format that is drawn fastest; null until it is drawn
     QString placeholder_;
     QString caption_;
     double micrometresPerPixel_ = 0;

@@ -54,7 +54,8 @@ void ResultView::build()
         {Comparison::RESULT, "result", tr("Result"), tr("The fused image alone")},
         {Comparison::SLICE, "slice", tr("Slice"), tr("A slice alone")},
         {Comparison::BESIDE, "beside", tr("Beside"), tr("The fused image and a slice side by side")},
-        {Comparison::OVER, "over", tr("Over"), tr("A slice over the right part of the fused image; drag the edge")},
+        {Comparison::OVER, "over", tr("Over"),
+         tr("A slice over the right part of the fused image; drag the edge, or move it with the keys , and .")},
     };
     for (const auto& button : buttons) {
         auto* action = new QAction(themedIcon(button.icon), button.text, comparisons_);

@@ -76,8 +76,11 @@ void SliceStrip::addSlice(const QImage& slice)
         addItem(new QListWidgetItem(QString::number(count() + 1)));
     QListWidgetItem* filled = item(sliceCount_++);
     const double ratio = devicePixelRatioF();
-    QPixmap thumbnail = QPixmap::fromImage(slice.scaled(THUMBNAIL * ratio, Qt::KeepAspectRatio, Qt::FastTransformation)
-                                               .convertToFormat(QImage::Format_RGB32));
+    // In two steps: a smooth one from the full size would hold up the window.
+    const QSize size = THUMBNAIL * ratio;
+    const QImage rough = slice.scaled(size * 2, Qt::KeepAspectRatio, Qt::FastTransformation);
+    QPixmap thumbnail = QPixmap::fromImage(
+        rough.convertToFormat(QImage::Format_RGB32).scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation));
     thumbnail.setDevicePixelRatio(ratio);
     filled->setIcon(QIcon(thumbnail));
     filled->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);

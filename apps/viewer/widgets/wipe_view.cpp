@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "viewer/widgets/wipe_view.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -10,6 +11,12 @@
 namespace tesmor::apps {
 
 WipeView::WipeView(QWidget* parent) : ImageView(parent) {}
+
+void WipeView::moveEdge(double share)
+{
+    edge_ = std::clamp(share, 0.0, 1.0);
+    update();
+}
 
 void WipeView::setOverlaid(const QImage& image, const QString& leftCaption, const QString& rightCaption)
 {
@@ -74,8 +81,7 @@ void WipeView::mousePressEvent(QMouseEvent* event)
 void WipeView::mouseMoveEvent(QMouseEvent* event)
 {
     if (moving_) {
-        edge_ = std::clamp(event->position().x() / width(), 0.0, 1.0);
-        update();
+        moveEdge(event->position().x() / width());
         return;
     }
     ImageView::mouseMoveEvent(event);
@@ -92,6 +98,16 @@ void WipeView::mouseReleaseEvent(QMouseEvent* event)
     if (!moving_)
         ImageView::mouseReleaseEvent(event);
     moving_ = false;
+}
+
+void WipeView::keyPressEvent(QKeyEvent* event)
+{
+    constexpr double STEP = 0.05;
+    const bool isLeft = event->key() == Qt::Key_Comma;
+    if (!overlaid_.isNull() && (isLeft || event->key() == Qt::Key_Period))
+        moveEdge(edge_ + (isLeft ? -STEP : STEP));
+    else
+        ImageView::keyPressEvent(event);
 }
 
 } // namespace tesmor::apps

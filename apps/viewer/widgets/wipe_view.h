@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// An image with another laid over its right part, up to an edge that the user drags.
+// An image with another laid over its right part, up to an edge that the user drags, or moves by the keys comma
+// and full stop.
 #pragma once
 
 #include "viewer/widgets/image_view.h"
@@ -20,8 +21,10 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void moveEdge(double share);
     bool isNearEdge(QPointF viewPoint) const;
 
     QImage overlaid_;
