@@ -5,7 +5,15 @@
 
 #include <QStringList>
 
+#include <cmath>
+
 namespace tesmor::apps {
+
+std::int32_t unitsFor(double steps, std::uint16_t magnification)
+{
+    const double unit = stepsPerUnit(magnification);
+    return static_cast<std::int32_t>(std::clamp(std::round(steps / unit), 1.0, std::floor(LARGEST_MOVE / unit)));
+}
 
 QString magnificationList()
 {

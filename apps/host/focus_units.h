@@ -29,6 +29,9 @@ constexpr int stepsPerUnit(std::uint16_t magnification)
     return std::ranges::find(FOCUS_OBJECTIVES, magnification, &FocusObjective::magnification)->stepsPerUnit;
 }
 
+// The spacing that comes nearest to so many motor steps, at least 1 unit; at most LARGEST_MOVE.
+std::int32_t unitsFor(double steps, std::uint16_t magnification);
+
 // "4, 10, 20, 40, 60, 80 or 100"
 QString magnificationList();
 

@@ -6,7 +6,7 @@
 #include "host/library_session.h"
 #include "microscope/virtual_microscope.h"
 #include "terminal/live_line.h"
-#include "tesmor/demo/focus_trace.h"
+#include "focusing/focus_trace.h"
 #include "tesmor/demo/frame_watch.h"
 
 #include <QImage>

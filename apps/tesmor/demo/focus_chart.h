@@ -2,7 +2,7 @@
 // The chart of an autofocus: contrast over motor position.
 #pragma once
 
-#include "tesmor/demo/focus_trace.h"
+#include "focusing/focus_trace.h"
 
 #include <QImage>
 #include <QString>

@@ -2,25 +2,17 @@
 // Passes the camera's frames to the library and keeps a record of each.
 #pragma once
 
+#include "focusing/seen_frame.h"
 #include "microscope/camera/image.h"
 
 #include <QImage>
 
-#include <chrono>
 #include <cstdint>
 #include <mutex>
 #include <optional>
 #include <vector>
 
 namespace tesmor::apps {
-
-using Clock = std::chrono::steady_clock;
-
-struct SeenFrame {
-    Clock::time_point time; // just before the library received it
-    std::int64_t position;  // motor steps: where the frame was taken
-    double contrast;        // standard deviation of brightness where the autofocus looks, grey levels
-};
 
 // `receive` runs on the camera's thread, everything else on any thread.
 class FrameWatch {

@@ -19,12 +19,6 @@ constexpr double SLICE_DISTANCE = 0.5;
 constexpr double PLANE_DISTANCE =
     0.5; // with less, the search cannot tell neighbours apart; with more, it misses the rise from one to the next
 
-std::int32_t unitsFor(double steps, std::uint16_t magnification)
-{
-    const double unit = stepsPerUnit(magnification);
-    return static_cast<std::int32_t>(std::clamp(std::round(steps / unit), 1.0, std::floor(LARGEST_MOVE / unit)));
-}
-
 } // namespace
 
 std::int64_t stepsPerPlane(std::uint16_t magnification)

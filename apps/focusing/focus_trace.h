@@ -4,8 +4,8 @@
 #pragma once
 
 #include "charts/search_phase.h"
+#include "focusing/seen_frame.h"
 #include "microscope/drive/request_log.h"
-#include "tesmor/demo/frame_watch.h"
 
 #include <QString>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "tesmor/demo/focus_trace.h"
+#include "focusing/focus_trace.h"
 
 #include "protocol/drive_request.h"
 
