@@ -3,10 +3,10 @@
 // stack, merge it. Reports its progress on standard output.
 #pragma once
 
+#include "focusing/focus_trace.h"
 #include "host/library_session.h"
 #include "microscope/virtual_microscope.h"
 #include "terminal/live_line.h"
-#include "focusing/focus_trace.h"
 #include "tesmor/demo/frame_watch.h"
 
 #include <QImage>

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "viewer/session/session.h"
+
+#include "tesmor.h"
+
+#include <utility>
+
+namespace tesmor::apps {
+
+void Session::end(std::int32_t result, const QImage& fused)
+{
+    const Operation operation = *operation_;
+    isStopping_ = false;
+    operation_.reset();
+    ticks_.stop();
+    const bool succeeded = result == TESMOR_SUCCESS || result == TESMOR_STACK_DONE;
+    if (operation == Operation::FOCUS) {
+        source_.tap().endRecord();
+        updateCurve(true, succeeded);
+    }
+    if (succeeded) {
+        steps_.pop_front();
+    } else {
+        steps_.clear();
+        moves_.clear();
+    }
+    const QString text = succeeded ? succeed(operation, fused) : fail(operation, result);
+    emit moved();
+    emit ended(operation, succeeded, text);
+    if (operation != Operation::FUSION)
+        driveRelease_.start();
+    beginNext();
+    if (!isBusy())
+        emit changed();
+}
+
+// Returns a line that tells of it.
+QString Session::succeed(Operation operation, const QImage& fused)
+{
+    emit withdrawn("command");
+    if (operation != Operation::FUSION) {
+        emit withdrawn("drive");
+        emit withdrawn("camera");
+    }
+    const double seconds = static_cast<double>(operationTime_.elapsed()) / 1000;
+    const auto slices = static_cast<int>(slices_.size());
+    switch (operation) {
+    case Operation::FOCUS:
+        losePosition();
+        emit curveEnded(true);
+        return tr("In focus after %1 s.").arg(seconds, 0, 'f', 1);
+    case Operation::STACK:
+        pace_.learn(plan_, seconds);
+        return tr("%n slices captured in %1 s.", nullptr, slices).arg(seconds, 0, 'f', 1);
+    case Operation::FUSION:
+        emit withdrawn("memory");
+        fused_ = fused;
+        return tr("%n slices fused in %1 s.", nullptr, slices).arg(seconds, 0, 'f', 1);
+    case Operation::MOVE:
+        break;
+    }
+    countedPosition_ += std::exchange(stepsOfMove_, 0);
+    return {};
+}
+
+// Likewise.
+QString Session::fail(Operation operation, std::int32_t result)
+{
+    if (operation != Operation::FUSION)
+        losePosition();
+    if (operation == Operation::FOCUS)
+        emit curveEnded(false);
+    if (result == TESMOR_MOVE_FAILED || result == TESMOR_NO_DRIVE)
+        library_.findDrives();
+    const auto message = textOf(operation, result);
+    if (!message || source_.state() == LiveSource::State::LOST) // which was told already
+        return {};
+    if (result != TESMOR_ABORTED) // which the user did, and wants no bar for
+        emit told(*message);
+    return message->text;
+}
+
+// Where the focus is now, only a drive that tells its position knows.
+void Session::losePosition()
+{
+    if (source_.microscope())
+        return;
+    countedPosition_ = 0;
+    first_.reset();
+    last_.reset();
+}
+
+void Session::tick()
+{
+    if (operation_ == Operation::FOCUS)
+        updateCurve(false, false);
+    else if (operation_ == Operation::FUSION)
+        emit fusionProgressed(library_.fusionProgress());
+    emit moved();
+}
+
+void Session::updateCurve(bool ended, bool found)
+{
+    const auto& microscope = source_.microscope();
+    curve_.update(microscope ? microscope->requestLog() : std::vector<microscope::LoggedRequest>(),
+                  source_.tap().record(), ended, found);
+    emit curveGrew();
+}
+
+void Session::addSlice(const QImage& slice)
+{
+    if (operation_ != Operation::STACK)
+        return; // it comes late, from a stack that was cancelled
+    if (slice.isNull()) {
+        stop();
+        emit told({Severity::ERROR,
+                   "memory",
+                   tr("There is no memory for another slice; the stack has been stopped."),
+                   tr("Take fewer slices, or close other programs."),
+                   {}});
+        return;
+    }
+    slices_.append(slice);
+    emit sliceArrived(slice);
+}
+
+void Session::takeFrame()
+{
+    const QImage frame = source_.tap().take();
+    if (frame.isNull())
+        return;
+    frameSize_ = frame.size();
+    emit frameArrived(frame, source_.tap().sharpness());
+}
+
+void Session::followSource(LiveSource::State state, const QString& text)
+{
+    using State = LiveSource::State;
+    const QString title = source_.source().title;
+    if (state == State::LIVE)
+        emit withdrawn("camera");
+    else if (state == State::STALLED)
+        emit told({Severity::WARNING, "camera", tr("%1: %2.").arg(title, text), {}, {}});
+    else if (state == State::LOST)
+        emit told({Severity::ERROR, "camera", tr("%1: %2.").arg(title, text), {}, tr("Reconnect")});
+    if (state == State::LOST && isBusy() && operation_ != Operation::FUSION)
+        stop();
+    emit changed();
+}
+
+// After a failure: the general words are there already.
+void Session::tellOfDrives(const std::vector<DriveUnit>& units)
+{
+    if (const auto message = textOf(units))
+        emit told(*message);
+}
+
+} // namespace tesmor::apps

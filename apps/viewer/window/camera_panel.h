@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// Exposure and gain, where the camera has them.
+#pragma once
+
+#include "viewer/session/live_source.h"
+
+#include <QGroupBox>
+
+class QDoubleSpinBox;
+class QFormLayout;
+
+namespace tesmor::apps {
+
+class CameraPanel : public QGroupBox {
+    Q_OBJECT
+
+public:
+    CameraPanel(LiveSource& source, QWidget* parent = nullptr);
+
+private:
+    void showControls();
+
+    LiveSource& source_;
+    QFormLayout* form_;
+    QDoubleSpinBox* exposure_; // milliseconds
+    QDoubleSpinBox* gain_;
+};
+
+} // namespace tesmor::apps

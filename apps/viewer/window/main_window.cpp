@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// How the window is put together; main_window_menus.cpp has its menus, main_window_events.cpp what happens in it.
+#include "viewer/window/main_window.h"
+
+#include "viewer/widgets/live_view.h"
+#include "viewer/widgets/message_bar.h"
+#include "viewer/widgets/result_view.h"
+#include "viewer/widgets/slice_strip.h"
+#include "viewer/widgets/style.h"
+#include "viewer/window/camera_panel.h"
+#include "viewer/window/focus_panel.h"
+#include "viewer/window/result_pane.h"
+#include "viewer/window/stack_panel.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr QSize USUAL_SIZE(1360, 900);
+constexpr int PROGRESS_WIDTH = 180;
+constexpr int SECOND_MS = 1000;
+
+} // namespace
+
+MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSettings& settings)
+    : settings_(settings), finder_(finder), wanted_(wanted), live_(new LiveView), result_(new ResultPane(settings)),
+      splitter_(new QSplitter), strip_(new SliceStrip), messages_(new MessageBar),
+      focusPanel_(new FocusPanel(session_)), stackPanel_(new StackPanel(session_)),
+      cameraPanel_(new CameraPanel(session_.source())), activity_(new QLabel), frameInfo_(new QLabel),
+      progress_(new QProgressBar)
+{
+    setWindowTitle(tr("tesmor"));
+    setWindowIcon(applicationIcon());
+    build();
+    buildStatusBar();
+    buildMenus();
+    connectParts();
+    qApp->installEventFilter(this);
+    if (!restoreGeometry(settings_.value("window/geometry").toByteArray()))
+        resize(USUAL_SIZE);
+    live_->setFocus();
+    showState();
+    findSources();
+}
+
+MainWindow::~MainWindow()
+{
+    qApp->removeEventFilter(this);
+}
+
+void MainWindow::build()
+{
+    live_->setObjectName("live");
+    live_->setAccessibleName(tr("Live image"));
+    result_->setVisible(false);
+    strip_->setObjectName("slices");
+    strip_->setAccessibleName(tr("Slices"));
+    strip_->setVisible(false);
+    splitter_->addWidget(live_);
+    splitter_->addWidget(result_);
+    splitter_->setChildrenCollapsible(false);
+
+    auto* middle = new QVBoxLayout;
+    middle->addWidget(messages_);
+    middle->addWidget(splitter_, 1);
+    middle->addWidget(strip_);
+    auto* centre = new QWidget;
+    auto* layout = new QHBoxLayout(centre);
+    layout->addLayout(middle, 1);
+    layout->addWidget(makeSidePanel());
+    setCentralWidget(centre);
+}
+
+QWidget* MainWindow::makeSidePanel()
+{
+    auto* panel = new QWidget;
+    auto* layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(focusPanel_, 1);
+    layout->addWidget(stackPanel_);
+    layout->addWidget(cameraPanel_);
+    auto* area = new QScrollArea;
+    area->setWidget(panel);
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setFixedWidth(panel->sizeHint().width() + area->verticalScrollBar()->sizeHint().width());
+    return area;
+}
+
+void MainWindow::buildStatusBar()
+{
+    activity_->setObjectName("activity");
+    frameInfo_->setObjectName("frameInfo");
+    progress_->setObjectName("progress");
+    progress_->setMaximumWidth(PROGRESS_WIDTH);
+    progress_->setAccessibleName(tr("Progress"));
+    progress_->setVisible(false);
+    statusBar()->addWidget(activity_, 1);
+    statusBar()->addPermanentWidget(progress_);
+    statusBar()->addPermanentWidget(frameInfo_);
+}
+
+void MainWindow::connectParts()
+{
+    connect(&session_, &Session::changed, this, &MainWindow::showState);
+    connect(&session_, &Session::frameArrived, this, &MainWindow::showFrame);
+    connect(&session_, &Session::curveGrew, this, &MainWindow::showActivity);
+    connect(&session_, &Session::stackBegun, this, &MainWindow::beginStack);
+    connect(&session_, &Session::sliceArrived, strip_, &SliceStrip::addSlice);
+    connect(&session_, &Session::sliceArrived, this, &MainWindow::showActivity);
+    connect(&session_, &Session::fusionProgressed, this, &MainWindow::showActivity);
+    connect(&session_, &Session::ended, this, &MainWindow::endCommand);
+    connect(&session_, &Session::told, messages_, &MessageBar::post);
+    connect(&session_, &Session::withdrawn, messages_, &MessageBar::withdraw);
+    connect(&session_, &Session::isShutDown, this, [this] {
+        mayClose_ = true;
+        close();
+    });
+    connect(&session_.source(), &LiveSource::sourcesFound, this, &MainWindow::listSources);
+    connect(&session_.source(), &LiveSource::stateChanged, this, &MainWindow::loadCalibration);
+
+    connect(messages_, &MessageBar::actionTriggered, this, &MainWindow::obey);
+    connect(stackPanel_, &StackPanel::captureAsked, this,
+            [this](const StackPlan& plan) { afterUnsaved([this, plan] { session_.capture(plan); }); });
+    connect(stackPanel_, &StackPanel::fuseAsked, &session_, &Session::fuse);
+    connect(stackPanel_, &StackPanel::allAsked, this, [this](int slices, int spacing) {
+        afterUnsaved([=, this] { session_.focusCaptureAndFuse(slices, spacing); });
+    });
+    connect(strip_, &SliceStrip::sliceChosen, this, [this](int index) {
+        showResult(true);
+        result_->view().setComparison(result_->view().result().isNull() ? ResultView::Comparison::SLICE
+                                                                        : ResultView::Comparison::BESIDE);
+        result_->view().setSlice(index);
+    });
+    connect(&result_->view(), &ResultView::sliceChanged, strip_, &SliceStrip::setCurrentSlice);
+    connect(result_, &ResultPane::closed, this, [this] { showResult(false); });
+    connect(result_, &ResultPane::told, messages_, &MessageBar::post);
+    connect(result_, &ResultPane::changed, this, &MainWindow::showState);
+    connect(result_, &ResultPane::saved, this, [this](const QString& file) {
+        messages_->withdraw("save");
+        activity_->setText(tr("Saved as %1.").arg(file));
+        if (const auto act = std::exchange(afterSaving_, {}))
+            act();
+    });
+    connect(live_, &LiveView::rulerMeasured, this, &MainWindow::calibratePixels);
+    connect(&second_, &QTimer::timeout, this, &MainWindow::showFrameRate);
+    second_.start(SECOND_MS);
+}
+
+} // namespace tesmor::apps

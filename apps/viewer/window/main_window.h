@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The window: puts the parts together, and keeps anything unsaved from being lost.
+#pragma once
+
+#include "viewer/session/calibration.h"
+#include "viewer/session/session.h"
+#include "viewer/session/source.h"
+
+#include <QMainWindow>
+#include <QSettings>
+#include <QTimer>
+
+#include <functional>
+
+class QActionGroup;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QSplitter;
+
+namespace tesmor::apps {
+
+class CameraPanel;
+class FocusPanel;
+class LiveView;
+class MessageBar;
+class ResultPane;
+class SliceStrip;
+class StackPanel;
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    // The settings outlive it.
+    //   wanted   the name of the source to begin with; empty: the one that was chosen last, or the first that is found
+    // Throws UserError when the library cannot be started.
+    MainWindow(const SourceFinder& finder, const QString& wanted, QSettings& settings);
+    ~MainWindow() override;
+
+    Session& session()
+    {
+        return session_;
+    }
+
+signals:
+    void hasClosed(); // the motor stands, and all threads are done
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void build();
+    QWidget* makeSidePanel();
+    void buildStatusBar();
+    void buildMenus();
+    void buildFileMenu();
+    void buildSourceMenu();
+    void buildFocusMenu();
+    void buildStackMenu();
+    void buildViewMenu();
+    QAction* add(QMenu* menu, const QString& name, const QString& icon, const QString& text, const QKeySequence& keys,
+                 const std::function<void()>& act);
+    void click(const QString& button); // does what the button of that name does, if it may
+    void connectParts();
+
+    void findSources();
+    void listSources(const std::vector<Source>& sources);
+    void open(const Source& source);
+    void showState();
+    void showFrame(const QImage& frame, double sharpness);
+    void showActivity();
+    void showFrameRate();
+    void beginStack();
+    void endCommand(Operation operation, bool succeeded, const QString& text);
+    void showResult(bool visible);
+    void obey(const QString& topic);
+
+    void loadCalibration();
+    void applyCalibration();
+    void calibratePixels(double rulerLength);
+    void calibrateTurn();
+    void showAbout();
+
+    // Does it, unless the user wants to keep what is unsaved; saves that first if he likes.
+    void afterUnsaved(const std::function<void()>& act);
+
+    bool moveByKey(int key, bool pressed, bool repeated);
+
+    QSettings& settings_;
+    SourceFinder finder_;
+    QString wanted_;
+    Session session_;
+    Calibration calibration_;
+    LiveView* live_;
+    ResultPane* result_;
+    QSplitter* splitter_;
+    SliceStrip* strip_;
+    MessageBar* messages_;
+    FocusPanel* focusPanel_;
+    StackPanel* stackPanel_;
+    CameraPanel* cameraPanel_;
+    QLabel* activity_;
+    QLabel* frameInfo_;
+    QProgressBar* progress_;
+    QMenu* sourceMenu_;
+    QActionGroup* sources_;
+    std::vector<Source> sourceList_;
+    QTimer second_;
+    std::uint64_t framesBefore_ = 0; // a second ago
+    bool wasOpened_ = false;         // a source, at the start
+    bool isClosing_ = false;
+    bool mayClose_ = false;
+    std::function<void()> afterSaving_;
+};
+
+} // namespace tesmor::apps

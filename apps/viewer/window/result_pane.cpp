@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "viewer/window/result_pane.h"
+
+#include "terminal/errors.h"
+#include "viewer/widgets/image_saver.h"
+#include "viewer/widgets/result_view.h"
+#include "viewer/widgets/style.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QVBoxLayout>
+
+namespace tesmor::apps {
+
+namespace {
+
+const char* const FOLDER_KEY = "folder";
+
+QPushButton* makeButton(const QString& name, const QString& icon, const QString& text)
+{
+    auto* button = new QPushButton(themedIcon(icon), text);
+    button->setObjectName(name);
+    return button;
+}
+
+// As slice-001.png and so on, if the file is slice.png.
+void writeSlices(const QString& file, const QList<QImage>& slices, double micrometresPerPixel)
+{
+    const QFileInfo info(file);
+    int number = 0;
+    for (const QImage& slice : slices) {
+        const QString name =
+            QString("%1-%2.%3").arg(info.completeBaseName()).arg(++number, 3, 10, QChar('0')).arg(info.suffix());
+        apps::saveResult(info.dir().filePath(name), slice, micrometresPerPixel);
+    }
+}
+
+} // namespace
+
+ResultPane::ResultPane(QSettings& settings, QWidget* parent)
+    : QWidget(parent), settings_(settings), view_(new ResultView),
+      saveResult_(makeButton("saveResult", "save", tr("Save …"))),
+      saveSlices_(makeButton("saveSlices", "save", tr("Save slices …")))
+{
+    saveResult_->setToolTip(tr("Save the fused image as PNG or TIFF (Ctrl+S)"));
+    saveSlices_->setToolTip(tr("Save the slices as numbered PNG or TIFF files (Ctrl+Shift+S)"));
+    auto* close = makeButton("closeResult", "close", tr("Close"));
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(saveResult_);
+    buttons->addWidget(saveSlices_);
+    buttons->addStretch();
+    buttons->addWidget(close);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(view_, 1);
+    layout->addLayout(buttons);
+    connect(saveResult_, &QPushButton::clicked, this, &ResultPane::saveResult);
+    connect(saveSlices_, &QPushButton::clicked, this, &ResultPane::saveSlices);
+    connect(close, &QPushButton::clicked, this, &ResultPane::closed);
+}
+
+void ResultPane::setImages(const QImage& result, const QList<QImage>& slices)
+{
+    view_->setImages(result, slices);
+    saveResult_->setEnabled(!result.isNull());
+    saveSlices_->setEnabled(!slices.isEmpty());
+    isUnsaved_ = !result.isNull() || !slices.isEmpty();
+    ++version_;
+    emit changed();
+}
+
+void ResultPane::forgetImages()
+{
+    setImages({}, {});
+}
+
+void ResultPane::setMicrometresPerPixel(double micrometres)
+{
+    micrometresPerPixel_ = micrometres;
+    view_->setMicrometresPerPixel(micrometres);
+}
+
+void ResultPane::save()
+{
+    if (view_->result().isNull())
+        saveSlices();
+    else
+        saveResult();
+}
+
+void ResultPane::saveResult()
+{
+    if (view_->result().isNull())
+        return;
+    askForFile(tr("Save the fused image"), resultFilters(), tr("fused.png"),
+               [image = view_->result(), size = micrometresPerPixel_](const QString& file) {
+                   apps::saveResult(file, image, size);
+               });
+}
+
+void ResultPane::saveSlices()
+{
+    if (view_->slices().isEmpty())
+        return;
+    askForFile(tr("Save the slices; their numbers follow the name"), resultFilters(), tr("slice.png"),
+               [slices = view_->slices(), size = micrometresPerPixel_](const QString& file) {
+                   writeSlices(file, slices, size);
+               });
+}
+
+void ResultPane::askForFile(const QString& title, const QString& filters, const QString& name, const Writer& write)
+{
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    const QString folder = settings_.value(FOLDER_KEY, pictures).toString();
+    auto* dialog = new QFileDialog(this, title, QFileInfo(folder).isDir() ? folder : QDir::homePath(), filters);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(QFileInfo(name).suffix());
+    dialog->selectFile(name);
+    connect(dialog, &QFileDialog::fileSelected, this, [this, write](const QString& file) {
+        settings_.setValue(FOLDER_KEY, QFileInfo(file).path());
+        writeFile(file, write);
+    });
+    dialog->open();
+}
+
+void ResultPane::writeFile(const QString& file, const Writer& write)
+{
+    ++saving_;
+    emit changed();
+    writer_.post([this, file, write, version = version_] {
+        QString failure;
+        try {
+            write(file);
+        } catch (const std::exception& error) {
+            failure = QString::fromUtf8(error.what());
+        }
+        QMetaObject::invokeMethod(
+            this, [this, version, file, failure] { finishWriting(version, file, failure); }, Qt::QueuedConnection);
+    });
+}
+
+void ResultPane::finishWriting(int version, const QString& file, const QString& failure)
+{
+    --saving_;
+    if (!failure.isEmpty()) {
+        emit told({Severity::ERROR, "save", tr("Not saved: %1.").arg(failure), {}, tr("Save as …")});
+    } else {
+        if (version == version_)
+            isUnsaved_ = false;
+        emit saved(file);
+    }
+    emit changed();
+}
+
+} // namespace tesmor::apps

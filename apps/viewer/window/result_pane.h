@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// The result and its slices beside the live image, and their way into files. Files are written on a thread of their
+// own.
+#pragma once
+
+#include "viewer/session/command_thread.h"
+#include "viewer/widgets/message_queue.h"
+
+#include <QImage>
+#include <QList>
+#include <QSettings>
+#include <QWidget>
+
+#include <functional>
+
+class QPushButton;
+
+namespace tesmor::apps {
+
+class ResultView;
+
+class ResultPane : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ResultPane(QSettings& settings, QWidget* parent = nullptr);
+
+    ResultView& view()
+    {
+        return *view_;
+    }
+
+    // They count as unsaved until either is saved. A null result: the slices alone.
+    void setImages(const QImage& result, const QList<QImage>& slices);
+    void forgetImages();
+
+    void setMicrometresPerPixel(double micrometres); // 0: not known
+
+    bool hasUnsaved() const
+    {
+        return isUnsaved_;
+    }
+
+    bool isSaving() const
+    {
+        return saving_ > 0;
+    }
+
+    // Ask for the file.
+    void saveResult();
+    void saveSlices();
+    void save(); // the result, or without one the slices
+
+signals:
+    void saved(const QString& file);
+    void told(const tesmor::apps::Message& message);
+    void changed(); // what there is to save
+    void closed();
+
+private:
+    using Writer = std::function<void(const QString& file)>; // throws UserError
+
+    void askForFile(const QString& title, const QString& filters, const QString& name, const Writer& write);
+    void writeFile(const QString& file, const Writer& write);
+    void finishWriting(int version, const QString& file, const QString& failure);
+
+    QSettings& settings_;
+    ResultView* view_;
+    QPushButton* saveResult_;
+    QPushButton* saveSlices_;
+    double micrometresPerPixel_ = 0;
+    bool isUnsaved_ = false;
+    int version_ = 0; // of the images: what is saved late may not be what is shown
+    int saving_ = 0;
+    CommandThread writer_; // the first to go
+};
+
+} // namespace tesmor::apps
