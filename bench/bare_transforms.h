@@ -10,7 +10,9 @@
 
 namespace tesmor::bench {
 
-// Rows through one buffer and columns in groups, as the fusion does it.
+// The very plans of the fusion, row for row and column for column, on memory that stays in the cache but for the
+// spectrum that the rows pass through. What a fusion needs beside them, taking columns out and putting them in again
+// too, is not here: nothing with these plans is faster.
 class BareTransforms {
 public:
     // Pixels, images.
@@ -22,8 +24,8 @@ public:
     void plan();
     void forgetPlans();
 
-    // With noise, as an image has. Unnormalised transforms let the values grow; from these they stay finite for a run
-    // of some ten images.
+    // With noise, as an image has. Unnormalised transforms let the values of the rows grow; from these they stay finite
+    // for a run of some ten images.
     void fill();
 
     void run() const;
@@ -32,14 +34,16 @@ private:
     int width_;
     int height_;
     int images_;
-    int groups_;
-    int pitch_;
+    int frequencies_; // of a row
     PageArray<double> row_;
+    PageArray<fftw_complex> column_;
+    PageArray<fftw_complex> columnSpectrum_;
+    PageArray<fftw_complex> columnBack_;
     PageArray<fftw_complex> spectrum_;
     fftw_plan forwardRow_ = nullptr;
     fftw_plan inverseRow_ = nullptr;
-    fftw_plan forwardGroup_ = nullptr;
-    fftw_plan inverseGroup_ = nullptr;
+    fftw_plan forwardColumn_ = nullptr;
+    fftw_plan inverseColumn_ = nullptr;
 };
 
 // Whole planes, with the two-dimensional transforms that FFTW has ready.

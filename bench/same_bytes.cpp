@@ -5,6 +5,10 @@
 // A folder holds the images of one stack. Beside them come synthetic stacks of many sizes. Exit status 1 when a stack
 // differs in more bytes than the complex transforms do among themselves when FFTW makes other plans for them.
 
+#include "complex_fusion.h"
+#include "fusion/fuse_images.h"
+#include "fusion/image_layout.h"
+
 #include <QDir>
 #include <QImage>
 #include <algorithm>

@@ -4,9 +4,9 @@
 //
 // One sharpening of a colour: fill row and forwardRow for each row, boost, inverseRow and read row for each row.
 // prepare and buildGain come once before. Only the spectrum is ever whole: rows pass through one buffer, on their way
-// into it and out of it, and a few columns at a time are transformed, boosted and transformed back while the cache
-// holds them. A row can be filled again as soon as it is read. One thread at a time; FFTW's planner is not thread-safe,
-// so no two engines may be prepared or released at once.
+// into it and out of it, and a few columns at a time are taken out, transformed, boosted, transformed back and put in
+// again while the cache holds them. A row can be filled again as soon as it is read. One thread at a time; FFTW's
+// planner is not thread-safe, so no two engines may be prepared or released at once.
 #pragma once
 
 #include "fusion/page_array.h"
@@ -27,8 +27,6 @@ struct DestroyPlan {
 };
 
 using FftwPlan = std::unique_ptr<std::remove_pointer_t<fftw_plan>, DestroyPlan>;
-
-inline constexpr std::int32_t COLUMN_GROUP = 8; // columns of a spectrum that are transformed together
 
 class SharpenEngine {
 public:
@@ -67,23 +65,26 @@ public:
     }
 
 private:
-    // Groups of columns. Columns beyond the middle would mirror those before it; they are not there.
-    std::int32_t groupCount() const noexcept
+    // Columns beyond the middle would mirror those before it; they are not there.
+    std::int32_t spectrumWidth() const noexcept
     {
-        return (width_ / 2 + COLUMN_GROUP) / COLUMN_GROUP;
+        return width_ / 2 + 1;
     }
 
-    // Columns from one row of the spectrum to the next. An odd number of groups: at a power of two the values of a
-    // column would share a few places of the cache.
-    std::int32_t pitch() const noexcept
+    // From one column in hand to the next. A line of the cache more than it must be: at a power of two the columns
+    // would share a few places of the cache.
+    std::int32_t columnPitch() const noexcept
     {
-        return (groupCount() | 1) * COLUMN_GROUP;
+        return height_ + 4;
     }
 
     fftw_complex* spectrumRow(std::int32_t y) noexcept
     {
-        return spectrum_.get() + static_cast<std::ptrdiff_t>(pitch()) * y;
+        return spectrum_.get() + static_cast<std::ptrdiff_t>(spectrumWidth()) * y;
     }
+
+    void takeColumns(std::int32_t x, std::int32_t count) noexcept;
+    void putColumns(std::int32_t x, std::int32_t count) noexcept;
 
     bool obtainArrays() noexcept;
     bool makePlans() noexcept;
@@ -92,13 +93,15 @@ private:
     std::int32_t height_ = 0; // pixels; 0 when released
     double cutoff_;
     double rolloff_;
-    PageArray<double> row_;
-    PageArray<fftw_complex> spectrum_; // rows of pitch() columns, zero frequency first; the last few may be unused
-    PageArray<double> gain_;           // of each frequency: one group of columns after the other, each of them by rows
+    PageArray<double> row_;                  // in hand
+    PageArray<fftw_complex> columns_;        // in hand
+    PageArray<fftw_complex> columnSpectrum_; // of one of them
+    PageArray<fftw_complex> spectrum_;       // by rows, zero frequency first
+    PageArray<double> gain_;                 // of each frequency, by columns
     FftwPlan forwardRow_;
     FftwPlan inverseRow_;
-    FftwPlan forwardGroup_;
-    FftwPlan inverseGroup_;
+    FftwPlan forwardColumn_;
+    FftwPlan inverseColumn_;
 };
 
 } // namespace tesmor
