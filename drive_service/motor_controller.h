@@ -27,6 +27,7 @@ struct Reaction {
 
 enum class Event {
     acknowledgement, // the motor stands after a move
+    failure,         // a move that was accepted has failed: on Linux its client's link is cut, which tells it at once
     vanish,          // the link is to be cut for good
 };
 

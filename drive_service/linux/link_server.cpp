@@ -152,6 +152,8 @@ private:
     {
         if (event == Event::vanish)
             closeAll();
+        else if (mover_ && event == Event::failure)
+            mover_->close();
         else if (mover_)
             mover_->send(std::array{ACKNOWLEDGEMENT_BYTE});
     }

@@ -145,6 +145,8 @@ private:
             control(BRASKDRV_DETACH, nullptr, 0);
             return;
         }
+        if (event == Event::failure)
+            return; // the driver cuts no single client; its wait for the acknowledgement ends by itself
         const BraskdrvAcknowledgement acknowledgement{client_, ACKNOWLEDGEMENT_BYTE};
         control(BRASKDRV_ACKNOWLEDGE, &acknowledgement, sizeof acknowledgement);
     }

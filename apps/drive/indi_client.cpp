@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "drive/indi_client.h"
+
+#include <cstdlib>
+#include <libindi/basedevice.h>
+#include <libindi/indiproperty.h>
+
+namespace tesmor::drive {
+
+namespace {
+
+void take(FocuserNumber& number, INDI::Property& property)
+{
+    const auto* widget = property.getNumber()->at(0);
+    number = {widget->getValue(), widget->getMin(), widget->getMax(), property.getState(), number.news + 1};
+}
+
+} // namespace
+
+IndiClient::~IndiClient()
+{
+    disconnectServer();
+}
+
+FocuserState IndiClient::state() const
+{
+    const std::lock_guard lock(mutex_);
+    return state_;
+}
+
+void IndiClient::sendMove(std::int64_t steps)
+{
+    sendNewSwitch(device_.c_str(), "FOCUS_MOTION", steps > 0 ? "FOCUS_OUTWARD" : "FOCUS_INWARD");
+    sendNewNumber(device_.c_str(), "REL_FOCUS_POSITION", "FOCUS_RELATIVE_POSITION",
+                  static_cast<double>(std::abs(steps)));
+}
+
+void IndiClient::newDevice(INDI::BaseDevice device)
+{
+    const std::lock_guard lock(mutex_);
+    state_.isThere = state_.isThere || device_ == device.getDeviceName();
+    changed_.notify_all();
+}
+
+void IndiClient::newProperty(INDI::Property property)
+{
+    updateProperty(property);
+}
+
+void IndiClient::updateProperty(INDI::Property property)
+{
+    if (device_ != property.getDeviceName())
+        return;
+    const std::lock_guard lock(mutex_);
+    if (property.isNameMatch("CONNECTION"))
+        state_.isConnected =
+            property.getState() == IPS_OK && property.getSwitch()->findWidgetByName("CONNECT")->getState() == ISS_ON;
+    if (property.isNameMatch("REL_FOCUS_POSITION"))
+        take(state_.relative, property);
+    if (property.isNameMatch("ABS_FOCUS_POSITION"))
+        take(state_.absolute, property);
+    changed_.notify_all();
+}
+
+void IndiClient::serverDisconnected(int)
+{
+    const std::lock_guard lock(mutex_);
+    state_.hasGone = true;
+    changed_.notify_all();
+}
+
+} // namespace tesmor::drive
