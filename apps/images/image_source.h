@@ -2,14 +2,22 @@
 // Where an image is: a file, or a page of a TIFF file.
 #pragma once
 
+#include <QSizeF>
 #include <QString>
 
 namespace tesmor::apps {
 
+// How large a pixel is, as far as a file's description says it; the rest is in the pages.
+struct PixelScale {
+    QSizeF pixelSize;          // metres; empty if unknown
+    double resolutionUnit = 0; // metres in which a page's resolution counts; 0 if the page says so itself
+};
+
 struct ImageSource {
     QString file;
-    int page = 0; // from 0
+    int page;     // from 0
     QString name; // for messages: "a.png", "stack.tif, page 7"
+    PixelScale scale = {};
 };
 
 } // namespace tesmor::apps

@@ -8,8 +8,6 @@
 
 #include <QFileInfo>
 
-#include <algorithm>
-
 namespace tesmor::apps {
 
 namespace {
@@ -20,33 +18,42 @@ PagedName splitName(const QString& argument)
     return QFileInfo::exists(argument) ? PagedName{argument, {}} : pagedNameOf(argument);
 }
 
-void appendPages(const PagedName& name, std::vector<ImageSource>& images)
+void appendPages(const PagedName& name, const PlaneChoice& choice, std::vector<ImageSource>& images)
 {
-    const int count = TiffFile(name.file).pageCount();
-    const PageRange pages = name.pages.value_or(PageRange{});
-    if (pages.first > count || (name.pages && pages.last > count && pages.last != PageRange{}.last))
-        throw UserError(QString("%1: has %2; choose from them, as in %1[1-%3]")
-                            .arg(name.file, count == 1 ? QString("1 page") : QString("%1 pages").arg(count))
+    const DescribedFile file = TiffFile(name.file).describe();
+    const StackDescription stack = describeStack(file);
+    const std::vector<Plane> planes = choosePlanes(name.file, stack, choice);
+    const auto count = static_cast<int>(planes.size());
+    const PageRange pages = name.pages.value_or(PageRange{1, count});
+    const int last = pages.last.value_or(count);
+    if (last > count || pages.first > count)
+        throw UserError(QString("%1: there %2; choose from them, as in %1[1-%3]")
+                            .arg(name.file, count == 1 ? QString("is only 1 page") : QString("are %1 pages").arg(count))
                             .arg(count));
-    for (int page = pages.first; page <= std::min(pages.last, count); ++page)
-        images.push_back(
-            {name.file, page - 1, count == 1 ? name.file : QString("%1, page %2").arg(name.file).arg(page)});
+    for (int i = pages.first - 1; i < last; ++i) {
+        const int page = planes[static_cast<std::size_t>(i)].page;
+        images.push_back({name.file, page,
+                          file.pageCount == 1 ? name.file : QString("%1, page %2").arg(name.file).arg(page + 1),
+                          stack.scale});
+    }
 }
 
 } // namespace
 
-std::vector<ImageSource> findImages(const QStringList& arguments)
+std::vector<ImageSource> findImages(const QStringList& arguments, const PlaneChoice& choice)
 {
     std::vector<ImageSource> images;
     for (const QString& argument : arguments) {
         const PagedName name = splitName(argument);
         requireReadableFile(name.file);
-        if (TiffFile::isTiff(name.file))
-            appendPages(name, images);
-        else if (!name.pages)
-            images.push_back({name.file, 0, name.file});
-        else
+        if (TiffFile::isTiff(name.file)) {
+            appendPages(name, choice, images);
+        } else if (name.pages) {
             throw UserError(argument + ": only TIFF files have pages; leave the range out");
+        } else {
+            choosePlanes(name.file, {plainPlanes(1), {}, {}}, choice);
+            images.push_back({name.file, 0, name.file});
+        }
     }
     return images;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "images/image_source.h"
+#include "images/plane_choice.h"
 
 #include <QStringList>
 
@@ -11,7 +12,8 @@
 namespace tesmor::apps {
 
 // Every argument is a file, or pages of a TIFF file as in stack.tif[3-20]; a TIFF file without a range gives all its
-// pages. Throws UserError, which names the file and the remedy.
-std::vector<ImageSource> findImages(const QStringList& arguments);
+// pages. In one of several channels or times, only the chosen ones are there, and count. Throws UserError, which names
+// the file and the remedy.
+std::vector<ImageSource> findImages(const QStringList& arguments, const PlaneChoice& choice);
 
 } // namespace tesmor::apps

@@ -22,7 +22,7 @@ PagedName pagedNameOf(const QString& text)
         pages.first = first.toInt();
     if (!last.isEmpty())
         pages.last = last.toInt();
-    if (pages.first < 1 || pages.last < pages.first)
+    if (pages.first < 1 || pages.last.value_or(pages.first) < pages.first)
         throw UserError(text + ": no such pages; they count from 1, the first comes first, as in stack.tif[3-20]");
     return {match.captured(1), pages};
 }

@@ -4,14 +4,13 @@
 
 #include <QString>
 
-#include <limits>
 #include <optional>
 
 namespace tesmor::apps {
 
 struct PageRange {
-    int first = 1; // from 1
-    int last = std::numeric_limits<int>::max();
+    int first = 1;           // from 1
+    std::optional<int> last; // nothing: the last there is
 };
 
 struct PagedName {

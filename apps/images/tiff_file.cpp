@@ -113,11 +113,17 @@ int TiffFile::pageCount()
     return count;
 }
 
-QByteArray TiffFile::description()
+DescribedFile TiffFile::describe()
 {
+    const int count = pageCount();
+    const Layout first = layoutOf({file_, 0, file_});
+    const auto bits =
+        static_cast<std::uint64_t>(first.samples.bits) * static_cast<std::uint64_t>(first.samples.samples);
     const char* text = nullptr;
-    TIFFSetDirectory(tiff_, 0);
-    return TIFFGetField(tiff_, TIFFTAG_IMAGEDESCRIPTION, &text) ? QByteArray(text) : QByteArray();
+    TIFFGetField(tiff_, TIFFTAG_IMAGEDESCRIPTION, &text);
+    return {file_, text, count,
+            bits / 8 * static_cast<std::uint64_t>(first.samples.size.width()) *
+                static_cast<std::uint64_t>(first.samples.size.height())};
 }
 
 void TiffFile::requireSound(const ImageSource& page, bool complete) const
@@ -194,9 +200,8 @@ QImage TiffFile::read(const ImageSource& page)
             image.convertTo(QImage::Format_Grayscale8);
     }
     requireSound(page, !image.isNull());
-    image = upright(image, layout.orientation);
-    readMetadata(tiff_, image);
-    return image;
+    readMetadata(tiff_, page.scale, image);
+    return upright(image, layout.orientation);
 }
 
 } // namespace tesmor::apps

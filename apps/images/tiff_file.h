@@ -5,8 +5,8 @@
 
 #include "images/image_files.h"
 #include "images/image_source.h"
+#include "images/stack_description.h"
 
-#include <QByteArray>
 #include <QImage>
 #include <QString>
 
@@ -29,10 +29,8 @@ public:
     TiffFile(const TiffFile&) = delete;
     TiffFile& operator=(const TiffFile&) = delete;
 
-    int pageCount();
-
-    // Of the first page; in UTF-8 if the writer kept to a standard.
-    QByteArray description();
+    // How many pages there are, and what the first one says of them.
+    DescribedFile describe();
 
     ImageHeader readHeader(const ImageSource& page);
 
@@ -43,6 +41,7 @@ public:
 private:
     struct Layout;
 
+    int pageCount();
     void select(const ImageSource& page);
     Layout layoutOf(const ImageSource& page);
     void requireSound(const ImageSource& page, bool complete) const;

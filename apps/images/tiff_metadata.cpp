@@ -11,25 +11,37 @@ namespace tesmor::apps {
 
 namespace {
 
-// 0 if the file does not say.
-int dotsPerMeter(tiff* file, std::uint32_t tag, double unitsPerMeter)
+// 0 if it is none.
+int dotsPerMeter(double dots)
+{
+    return dots >= 1 && dots < 1e9 ? static_cast<int>(std::lround(dots)) : 0;
+}
+
+// The resolution of the page, in a unit of so many metres.
+int dotsPerMeter(tiff* file, std::uint32_t tag, double unit)
 {
     float resolution = 0;
-    if (!TIFFGetField(file, tag, &resolution))
-        return 0;
-    const double dots = static_cast<double>(resolution) * unitsPerMeter;
-    return dots >= 1 && dots < 1e9 ? static_cast<int>(std::lround(dots)) : 0;
+    return TIFFGetField(file, tag, &resolution) ? dotsPerMeter(static_cast<double>(resolution) / unit) : 0;
+}
+
+double resolutionUnit(tiff* file, const PixelScale& scale)
+{
+    std::uint16_t unit = RESUNIT_INCH;
+    TIFFGetFieldDefaulted(file, TIFFTAG_RESOLUTIONUNIT, &unit);
+    return unit == RESUNIT_INCH ? 0.0254 : unit == RESUNIT_CENTIMETER ? 0.01 : scale.resolutionUnit;
 }
 
 } // namespace
 
-void readMetadata(tiff* file, QImage& image)
+void readMetadata(tiff* file, const PixelScale& scale, QImage& image)
 {
-    std::uint16_t unit = RESUNIT_INCH;
-    TIFFGetFieldDefaulted(file, TIFFTAG_RESOLUTIONUNIT, &unit);
-    const double unitsPerMeter = unit == RESUNIT_INCH ? 1 / 0.0254 : unit == RESUNIT_CENTIMETER ? 100 : 0;
-    image.setDotsPerMeterX(dotsPerMeter(file, TIFFTAG_XRESOLUTION, unitsPerMeter)); // which drops a 0
-    image.setDotsPerMeterY(dotsPerMeter(file, TIFFTAG_YRESOLUTION, unitsPerMeter));
+    if (!scale.pixelSize.isEmpty()) { // which drops what is 0
+        image.setDotsPerMeterX(dotsPerMeter(1 / scale.pixelSize.width()));
+        image.setDotsPerMeterY(dotsPerMeter(1 / scale.pixelSize.height()));
+    } else if (const double unit = resolutionUnit(file, scale); unit > 0) {
+        image.setDotsPerMeterX(dotsPerMeter(file, TIFFTAG_XRESOLUTION, unit));
+        image.setDotsPerMeterY(dotsPerMeter(file, TIFFTAG_YRESOLUTION, unit));
+    }
 
     std::uint32_t size = 0;
     const void* profile = nullptr;

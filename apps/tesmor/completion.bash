@@ -12,14 +12,14 @@ _tesmor()
         --unit) words="0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15" ;;
         --range) words="auto full" ;;
         --camera) words="virtual" ;;
-        --offset | --fps | --drift | --breathing | --seed | --slices | --spacing | --exposure | --gain) return ;;
+        --channel | --time | --offset | --fps | --drift | --breathing | --seed | --slices | --spacing | --exposure | --gain) return ;;
         *)
             case ${COMP_WORDS[1]} in
                 cameras) words="--json --help" ;;
                 demo) words="--output --seed --magnification --offset --slices --spacing --size --planes --help" ;;
                 devices) words="--json --help" ;;
                 focus) words="--magnification --camera --exposure --gain --json --help" ;;
-                fuse) words="--output --range --quiet --json --help" ;;
+                fuse) words="--output --channel --time --range --quiet --json --help" ;;
                 microscope) words="--magnification --offset --size --fps --drift --breathing --seed --unit --help" ;;
                 move) words="--virtual --json --help" ;;
                 snap) words="--output --camera --exposure --gain --json --help" ;;

@@ -40,10 +40,18 @@ constexpr const char* DESCRIPTION =
 struct Request {
     QStringList images;
     QString output;
+    PlaneChoice planes;
     RangeChoice range;
     bool quiet;
     bool json;
 };
+
+std::optional<int> numberGiven(const QCommandLineParser& parser, const QString& option)
+{
+    if (!parser.isSet(option))
+        return std::nullopt;
+    return static_cast<int>(integerOf("--" + option, parser.value(option), 1, 1'000'000));
+}
 
 // Nothing if the user asked for help; it is then printed.
 std::optional<Request> parseArguments(const QStringList& arguments)
@@ -56,6 +64,8 @@ std::optional<Request> parseArguments(const QStringList& arguments)
          "Write to OUT, in the format given by its name. An existing OUT is replaced. Default: fused.png.",
          "OUT",
          "fused.png"},
+        {"channel", "Of a TIFF file with several channels, merge the N-th.", "N"},
+        {"time", "Of a TIFF file with several points in time, merge the N-th.", "N"},
         {"range",
          "Scale the stack to 8 bits so that LOW becomes black and HIGH white, as in 100,4095; full: whatever the files "
          "can hold; auto: what the stack does hold, from its 0.1 to its 99.9 percentile. Default: auto for 16-bit "
@@ -71,14 +81,17 @@ std::optional<Request> parseArguments(const QStringList& arguments)
     if (parser.positionalArguments().isEmpty())
         throw UsageError("no images named");
     const bool json = parser.isSet("json");
-    return Request{parser.positionalArguments(), parser.value("output"),
+    return Request{parser.positionalArguments(),
+                   parser.value("output"),
+                   PlaneChoice{numberGiven(parser, "channel"), numberGiven(parser, "time")},
                    parser.isSet("range") ? rangeChoiceOf(parser.value("range")) : RangeChoice{},
-                   json || parser.isSet("quiet"), json};
+                   json || parser.isSet("quiet"),
+                   json};
 }
 
-ImageSeries checkImages(const QStringList& arguments)
+ImageSeries checkImages(const Request& request)
 {
-    const std::vector<ImageSource> images = findImages(arguments);
+    const std::vector<ImageSource> images = findImages(request.images, request.planes);
     if (images.size() > MOST_FUSED_IMAGES)
         throw UserError(QString("%1 images are too many; the maximum is %2; choose pages as in stack.tif[1-%2]")
                             .arg(images.size())
@@ -116,7 +129,7 @@ QImage makeOutput(const QImage& first)
 
 int fuse(const Request& request)
 {
-    const ImageSeries series = checkImages(request.images);
+    const ImageSeries series = checkImages(request);
     const QSize size = series.size;
     const auto count = static_cast<qsizetype>(series.sources.size());
     const std::uint64_t memory = fusionMemory(size, series.sources.size());

@@ -2,11 +2,10 @@
 // What `tesmor fuse` makes of the files in stacks/, which other programs wrote. Their pages are flat; see make_stacks.
 #include "command_run.h"
 
-#include <QImageReader>
+#include <QColorSpace>
 #include <QJsonDocument>
 #include <QJsonObject>
-
-#include <algorithm>
+#include <QRegularExpression>
 
 namespace tesmor::test {
 
@@ -46,6 +45,11 @@ TEST_F(StackFilesTest, ReadsThePagesThatAreNamed)
         {{"planes.tif[2]"}, 1, qRgb(110, 145, 55)},
         {{"ycbcr.tif[2]"}, 1, qRgb(110, 145, 55)},
         {{"planes.tif[2]", "--range", "0,220"}, 1, qRgb(128, 168, 64)},
+        {{"channels.ome.tif", "--channel", "2", "--range", "full"}, 3, {}},
+        {{"channels.ome.tif[3]", "--channel", "2", "--range", "0,4080"}, 1, grey(121)},
+        {{"swapped.ome.tif[2]", "--channel", "2", "--time", "2", "--range", "0,4080"}, 1, grey(161)},
+        {{"times.tif[2]", "--channel", "2", "--time", "2", "--range", "0,4080"}, 1, grey(161)},
+        {{"times.tif[1]", "--channel", "1", "--time", "2", "--range", "0,4080"}, 1, grey(150)},
         {{"grey16.tif[2-4]", "grey16.tif[3]", "big_endian.tif"}, 9, {}},
         {{"grey16.tif", "colour.tif[1]"}, 6, {}}, // eight bits beside sixteen
     };
@@ -88,14 +92,21 @@ TEST_F(StackFilesTest, SayWhatIsWrong)
         QString message;
     };
     const std::vector<Case> cases = {
-        {{"grey16.tif[3-6]"}, 1, "grey16.tif: has 5 pages; choose from them, as in grey16.tif[1-5]"},
+        {{"grey16.tif[3-6]"}, 1, "grey16.tif: there are 5 pages; choose from them, as in grey16.tif[1-5]"},
         {{"grey16.tif[0-2]"}, 1, "grey16.tif[0-2]: no such pages"},
         {{"grey16.tif[3-2]"}, 1, "grey16.tif[3-2]: no such pages"},
         {{"missing.tif[2]"}, 1, "missing.tif: no such file"},
+        {{"channels.ome.tif"}, 1, "channels.ome.tif: has 2 channels (1 DAPI, 2 GFP); choose one, as in --channel 1"},
+        {{"times.tif"}, 1, "times.tif: has 2 channels and 2 points in time; choose one, as in --channel 1 --time 1"},
+        {{"times.tif", "--channel", "2"}, 1, "times.tif: has 2 points in time; choose one, as in --time 1"},
+        {{"channels.ome.tif", "--channel", "3"}, 1, "channels.ome.tif: has 2 channels (1 DAPI, 2 GFP)"},
+        {{"times.tif[4]", "--channel", "1", "--time", "1"}, 1, "times.tif: there are 3 pages"},
+        {{"grey16.tif", "--channel", "2"}, 1, "grey16.tif: has only channel 1"},
+        {{"hidden.tif"}, 1, "hidden.tif: keeps its 5 images behind one page"},
         {{"sizes.tif"}, 1, "sizes.tif, page 2: 24 x 15 pixels, but sizes.tif, page 1 has 24 x 16"},
-        {{"cmyk.tif"}, 1, "cmyk.tif, page 1: is a CMYK image, for printing; convert it to RGB"},
-        {{"float.tif"}, 1, "float.tif, page 1: holds floating-point numbers; convert it to 16 bits"},
-        {{"signed.tif"}, 1, "signed.tif, page 1: holds numbers other than unsigned integers"},
+        {{"cmyk.tif"}, 1, "cmyk.tif: is a CMYK image, for printing; convert it to RGB"},
+        {{"float.tif"}, 1, "float.tif: holds floating-point numbers; convert it to 16 bits"},
+        {{"signed.tif"}, 1, "signed.tif: holds numbers other than unsigned integers"},
         {{"cut.tif"}, 1, "cut.tif: damaged"},
         {{"cut_strip.tif"}, 1, "cut_strip.tif: damaged"},
         {QStringList(26, "grey16.tif"), 1, "130 images are too many; the maximum is 128"},
@@ -114,13 +125,21 @@ TEST_F(StackFilesTest, SayWhatIsWrong)
     }
 }
 
-// The resolution that grey16.tif has, 4 pixels per micrometre, in every format that can hold it.
-TEST_F(StackFilesTest, ThePixelSizeComesOutAgain)
+// All three files have 4 pixels per micrometre, each in its own way.
+TEST_F(StackFilesTest, ThePixelSizeAndTheColourProfileComeOutAgain)
 {
+    QImage wide = flatImage(24, 16);
+    wide.setColorSpace(QColorSpace::AdobeRgb);
+    save(wide, "wide.tif");
     for (const char* name : {"out.tif", "out.png"}) {
-        EXPECT_EQ(run("fuse", {"grey16.tif", "-o", name}).status, 0);
-        EXPECT_EQ(QImage(path(name)).dotsPerMeterX(), 4'000'000) << name;
-        EXPECT_EQ(QImage(path(name)).format(), QImage::Format_Grayscale8) << name;
+        for (const char* stack : {"grey16.tif", "channels.ome.tif[1]", "times.tif[1]"}) {
+            EXPECT_EQ(run("fuse", {stack, "--channel", "1", "--time", "1", "-o", name}).status, 0);
+            EXPECT_EQ(QImage(path(name)).dotsPerMeterX(), 4'000'000) << stack << ' ' << name;
+            EXPECT_EQ(QImage(path(name)).dotsPerMeterY(), 4'000'000) << stack << ' ' << name;
+            EXPECT_EQ(QImage(path(name)).format(), QImage::Format_Grayscale8) << stack << ' ' << name;
+        }
+        EXPECT_EQ(run("fuse", {"wide.tif", "-o", name}).status, 0);
+        EXPECT_EQ(QImage(path(name)).colorSpace().primaries(), QColorSpace::Primaries::AdobeRgb) << name;
     }
 }
 

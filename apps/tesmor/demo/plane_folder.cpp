@@ -49,7 +49,7 @@ QStringList pictureFiles(const QString& folder)
 
 std::vector<microscope::Image> readPlanes(const QString& folder, LiveLine::Style style)
 {
-    const std::vector<ImageSource> sources = findImages(pictureFiles(folder));
+    const std::vector<ImageSource> sources = findImages(pictureFiles(folder), {});
     if (sources.size() < FEWEST_PLANES)
         throw UserError(
             QString("%1: contains %2 of the 2 or more that are needed; add PNG, JPEG, TIFF or BMP photographs of one "

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+// What the writer of a TIFF file says of its pages: which slice, channel and time each of them is, and how large a
+// pixel is. All throw UserError, which names the file and the remedy.
+#pragma once
+
+#include "images/image_source.h"
+
+#include <QByteArray>
+#include <QMap>
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+namespace tesmor::apps {
+
+struct DescribedFile {
+    QString name;
+    QByteArray description; // of the first page
+    int pageCount;
+    std::uint64_t pageBytes; // of the first page, uncompressed
+};
+
+// All from 0.
+struct Plane {
+    int page;
+    int channel;
+    int time;
+    int slice;
+};
+
+struct StackDescription {
+    std::vector<Plane> planes;
+    QMap<int, QString> channelNames; // of those that have one
+    PixelScale scale;
+};
+
+// Without OME-XML and without ImageJ's lines, every page is a slice.
+StackDescription describeStack(const DescribedFile& file);
+
+// The two that describeStack knows.
+StackDescription readOmeXml(const DescribedFile& file);
+StackDescription readImagejLines(const DescribedFile& file);
+
+// Every page is a slice.
+std::vector<Plane> plainPlanes(int pageCount);
+
+// Metres; 0 for what is no length.
+double metresOf(const QString& unit);
+
+} // namespace tesmor::apps
