@@ -2,13 +2,13 @@
 #include "images/output_file.h"
 
 #include "images/tiff_writer.h"
+#include "images/whole_file.h"
 #include "terminal/errors.h"
-#include "terminal/interrupt.h"
 
 #include <QBuffer>
 #include <QFileInfo>
 #include <QImageWriter>
-#include <QSaveFile>
+#include <QTemporaryFile>
 
 #include <algorithm>
 
@@ -19,7 +19,6 @@ namespace {
 constexpr int JPEG_QUALITY = 95;
 constexpr int PNG_COMPRESSION = 45;      // zlib's level 4: half the time of its default for files 3 % larger
 constexpr int JPEG_LONGEST_SIDE = 65500; // pixels
-constexpr qint64 CHUNK = 1 << 20;        // bytes written between two checks for an interruption
 
 QByteArray formatOf(const QString& file)
 {
@@ -54,12 +53,6 @@ QByteArray encode(const QString& file, const QImage& image)
     return bytes;
 }
 
-UserError writeError(const QString& file, const QSaveFile& output)
-{
-    return UserError(
-        QString("%1: cannot be written (%2); choose another place with -o").arg(file, output.errorString()));
-}
-
 } // namespace
 
 void checkOutputFile(const QString& file, QSize size)
@@ -67,35 +60,42 @@ void checkOutputFile(const QString& file, QSize size)
     if (formatOf(file) == "jpeg" && std::max(size.width(), size.height()) > JPEG_LONGEST_SIDE)
         throw UserError(
             QString("%1: JPEG allows only %2 pixels per side; choose .png or .tif").arg(file).arg(JPEG_LONGEST_SIDE));
-    const QFileInfo info(file);
-    if (!QFileInfo(info.path()).isDir())
-        throw UserError(QString("%1: no such folder: %2; create it first").arg(file, info.path()));
-    if (info.isDir())
-        throw UserError(file + ": is a folder; name a file in it with -o");
-    InterruptGuard guard;
-    QSaveFile output(file);
-    if (!output.open(QIODevice::WriteOnly))
-        throw writeError(file, output);
-    output.cancelWriting();
-    throwIfInterrupted();
+    checkWritable(file);
 }
 
 void writeOutputFile(const QString& file, const QImage& image)
 {
-    const QByteArray bytes = encode(file, image);
-    InterruptGuard guard;
-    QSaveFile output(file);
-    if (!output.open(QIODevice::WriteOnly))
-        throw writeError(file, output);
-    for (qint64 done = 0; done < bytes.size();) {
-        const qint64 count = output.write(bytes.constData() + done, std::min<qint64>(CHUNK, bytes.size() - done));
-        if (count <= 0)
-            throw writeError(file, output);
-        done += count;
-        throwIfInterrupted();
+    QByteArray bytes = encode(file, image);
+    QBuffer content(&bytes);
+    content.open(QIODevice::ReadOnly);
+    writeWhole(file, content);
+}
+
+void writeOutputPages(const QString& file, const QList<QImage>& images, int dotsPerMetre)
+{
+    if (formatOf(file) != "tiff")
+        throw UserError(file + ": only a TIFF holds several images; choose a name that ends in .tif");
+    checkWritable(file);
+    QTemporaryFile scratch(QFileInfo(file).path() + "/XXXXXX"); // pages are read while they are written
+    if (!scratch.open())
+        throw writeError(file, scratch);
+    std::uint64_t mostBytes = 0;
+    for (const QImage& image : images)
+        mostBytes += static_cast<std::uint64_t>(image.sizeInBytes());
+    try {
+        TiffWriter writer(scratch, file, mostBytes);
+        for (QImage image : images) {
+            image.setDotsPerMeterX(dotsPerMetre);
+            image.setDotsPerMeterY(dotsPerMetre);
+            writer.addPage(image);
+        }
+        writer.finish();
+    } catch (const UserError&) {
+        if (scratch.error() != QFileDevice::NoError)
+            throw writeError(file, scratch);
+        throw;
     }
-    if (!output.flush() || !output.commit()) // commit() alone misses a failure of its own flush
-        throw writeError(file, output);
+    writeWhole(file, scratch);
 }
 
 } // namespace tesmor::apps

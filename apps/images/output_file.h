@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// The image file that a subcommand writes. Both functions throw UserError, which names the file and the remedy, and
+// The image file that a program writes. All functions throw UserError, which names the file and the remedy, and
 // Interrupted (see interrupt.h).
 #pragma once
 
 #include <QImage>
+#include <QList>
 #include <QSize>
 #include <QString>
 
@@ -15,5 +16,9 @@ void checkOutputFile(const QString& file, QSize size);
 // In the format given by the file's name. The file appears, or replaces an existing one, only once it is complete;
 // after a failure or an interruption nothing has changed.
 void writeOutputFile(const QString& file, const QImage& image);
+
+// Likewise, as the pages of one TIFF. Needs room for two of it in its folder meanwhile.
+//   dotsPerMetre   the resolution of all pages; 0: their own
+void writeOutputPages(const QString& file, const QList<QImage>& images, int dotsPerMetre);
 
 } // namespace tesmor::apps

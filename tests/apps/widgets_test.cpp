@@ -8,7 +8,8 @@
 #include "viewer/widgets/scale_bar.h"
 
 #include <QApplication>
-#include <QFile>
+#include <QDir>
+#include <QImageReader>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -16,7 +17,10 @@
 #include <QWheelEvent>
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <functional>
 #include <memory>
+#include <sys/resource.h>
 
 namespace tesmor::apps {
 namespace {
@@ -183,7 +187,48 @@ TEST_F(WidgetsTest, SavedImagesHaveTheirPixelSize)
         EXPECT_NEAR(1e6 / read.dotsPerMeterX(), 0.65, 0.0001) << name;
         EXPECT_NEAR(1e6 / read.dotsPerMeterY(), 0.65, 0.0001) << name;
     }
-    EXPECT_THROW(saveResult(folder.filePath("no/such/folder.png"), makeFrame(), 0), UserError);
+    const QString file = folder.filePath("slices.tif");
+    saveSlices(file, {makeFrame(), makeFrame({64, 48}), makeFrame()}, 0.65);
+    QImageReader pages(file);
+    ASSERT_EQ(pages.imageCount(), 3);
+    for (const QSize size : {FRAME, QSize(64, 48), FRAME}) {
+        const QImage page = pages.read();
+        EXPECT_EQ(page.size(), size);
+        EXPECT_NEAR(1e6 / page.dotsPerMeterX(), 0.65, 0.0001);
+        pages.jumpToNextImage();
+    }
+}
+
+// What a save says when it fails.
+QString failureOf(const std::function<void()>& save)
+{
+    try {
+        save();
+    } catch (const UserError& error) {
+        return error.what();
+    }
+    return "no failure";
+}
+
+TEST_F(WidgetsTest, AFailedSaveLeavesTheOldFileAndSaysWhy)
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("slices.tif");
+    saveSlices(file, {makeFrame({8, 8})}, 0);
+    const QString missing = folder.filePath("missing/a.png");
+    EXPECT_TRUE(failureOf([&] { saveResult(missing, makeFrame(), 0); }).contains("no such folder"));
+    EXPECT_TRUE(failureOf([&] { saveSlices(folder.filePath("a.png"), {makeFrame()}, 0); }).contains("only a TIFF"));
+
+    // A disk with no room for more than a page.
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit none{1000, RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
+    const QString failure = failureOf([&] { saveSlices(file, {makeFrame(), makeFrame()}, 0); });
+    const rlimit all{RLIM_INFINITY, RLIM_INFINITY};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &all), 0);
+    EXPECT_TRUE(failure.startsWith(file + ": cannot be written")) << qPrintable(failure);
+    EXPECT_EQ(QImageReader(file).size(), QSize(8, 8));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
 } // namespace

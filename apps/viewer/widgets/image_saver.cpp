@@ -18,6 +18,12 @@ QString translate(const char* text)
     return QCoreApplication::translate("ImageSaver", text);
 }
 
+// 0 where the size of a pixel is not known.
+int dotsPerMetre(double micrometresPerPixel)
+{
+    return micrometresPerPixel > 0 ? static_cast<int>(std::lround(MICROMETRES_PER_METRE / micrometresPerPixel)) : 0;
+}
+
 } // namespace
 
 QString resultFilters()
@@ -25,16 +31,22 @@ QString resultFilters()
     return translate(QT_TRANSLATE_NOOP("ImageSaver", "PNG image (*.png);;TIFF image (*.tif *.tiff)"));
 }
 
+QString slicesFilters()
+{
+    return translate(QT_TRANSLATE_NOOP("ImageSaver", "TIFF image of several pages (*.tif *.tiff)"));
+}
+
 void saveResult(const QString& file, const QImage& result, double micrometresPerPixel)
 {
     QImage image = result;
-    const int perMetre =
-        micrometresPerPixel > 0 ? static_cast<int>(std::lround(MICROMETRES_PER_METRE / micrometresPerPixel)) : 0;
-    if (perMetre > 0) {
-        image.setDotsPerMeterX(perMetre);
-        image.setDotsPerMeterY(perMetre);
-    }
+    image.setDotsPerMeterX(dotsPerMetre(micrometresPerPixel));
+    image.setDotsPerMeterY(dotsPerMetre(micrometresPerPixel));
     writeOutputFile(file, image);
+}
+
+void saveSlices(const QString& file, const QList<QImage>& slices, double micrometresPerPixel)
+{
+    writeOutputPages(file, slices, dotsPerMetre(micrometresPerPixel));
 }
 
 } // namespace tesmor::apps

@@ -27,18 +27,6 @@ QPushButton* makeButton(const QString& name, const QString& icon, const QString&
     return button;
 }
 
-// As slice-001.png and so on, if the file is slice.png.
-void writeSlices(const QString& file, const QList<QImage>& slices, double micrometresPerPixel)
-{
-    const QFileInfo info(file);
-    int number = 0;
-    for (const QImage& slice : slices) {
-        const QString name =
-            QString("%1-%2.%3").arg(info.completeBaseName()).arg(++number, 3, 10, QChar('0')).arg(info.suffix());
-        apps::saveResult(info.dir().filePath(name), slice, micrometresPerPixel);
-    }
-}
-
 } // namespace
 
 ResultPane::ResultPane(QSettings& settings, QWidget* parent)
@@ -47,7 +35,7 @@ ResultPane::ResultPane(QSettings& settings, QWidget* parent)
       saveSlices_(makeButton("saveSlices", "save", tr("Save slices …")))
 {
     saveResult_->setToolTip(tr("Save the fused image as PNG or TIFF (Ctrl+S)"));
-    saveSlices_->setToolTip(tr("Save the slices as numbered PNG or TIFF files (Ctrl+Shift+S)"));
+    saveSlices_->setToolTip(tr("Save the slices as one TIFF of several pages (Ctrl+Shift+S)"));
     auto* close = makeButton("closeResult", "close", tr("Close"));
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(saveResult_);
@@ -106,9 +94,9 @@ void ResultPane::saveSlices()
 {
     if (view_->slices().isEmpty())
         return;
-    askForFile(tr("Save the slices; their numbers follow the name"), resultFilters(), tr("slice.png"),
+    askForFile(tr("Save the slices"), slicesFilters(), tr("slices.tif"),
                [slices = view_->slices(), size = micrometresPerPixel_](const QString& file) {
-                   writeSlices(file, slices, size);
+                   apps::saveSlices(file, slices, size);
                });
 }
 
@@ -120,7 +108,9 @@ void ResultPane::askForFile(const QString& title, const QString& filters, const 
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(QFileInfo(name).suffix());
-    dialog->selectFile(name);
+    dialog->selectFile(QFileInfo(name).completeBaseName());
+    connect(dialog, &QFileDialog::filterSelected, dialog,
+            [dialog](const QString& filter) { dialog->setDefaultSuffix(filter.contains("*.png") ? "png" : "tif"); });
     connect(dialog, &QFileDialog::fileSelected, this, [this, write](const QString& file) {
         settings_.setValue(FOLDER_KEY, QFileInfo(file).path());
         writeFile(file, write);
