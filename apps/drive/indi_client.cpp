@@ -3,7 +3,11 @@
 
 #include <cstdlib>
 #include <libindi/basedevice.h>
+#include <libindi/indidevapi.h>
 #include <libindi/indiproperty.h>
+
+// In place of the client library's own, which would tell each attempt to connect between our lines.
+extern "C" __attribute__((visibility("default"))) void IDLog(const char*, ...) {}
 
 namespace tesmor::drive {
 
@@ -30,7 +34,12 @@ FocuserState IndiClient::state() const
 
 void IndiClient::sendMove(std::int64_t steps)
 {
-    sendNewSwitch(device_.c_str(), "FOCUS_MOTION", steps > 0 ? "FOCUS_OUTWARD" : "FOCUS_INWARD");
+    INDI::PropertySwitch motion = getDevice(device_.c_str()).getSwitch("FOCUS_MOTION");
+    if (auto* direction = motion.findWidgetByName(steps > 0 ? "FOCUS_OUTWARD" : "FOCUS_INWARD")) {
+        motion.reset(); // else the other direction stays set, too, and counts
+        direction->setState(ISS_ON);
+        sendNewSwitch(motion);
+    }
     sendNewNumber(device_.c_str(), "REL_FOCUS_POSITION", "FOCUS_RELATIVE_POSITION",
                   static_cast<double>(std::abs(steps)));
 }

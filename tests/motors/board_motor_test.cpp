@@ -3,33 +3,17 @@
 #include "drive/gcode_motor.h"
 #include "drive/motor_runner.h"
 #include "drive/sangaboard_motor.h"
-#include "drive_service/drive_service.h"
 #include "microscope/virtual_microscope.h"
 #include "motors/fake_board.h"
-#include "platform_linux/raw_service.h"
+#include "motors/link_packets.h"
 #include "support/call_recorder.h"
 #include "support/library_test.h"
-
-#include <cstdlib>
-#include <filesystem>
 
 namespace tesmor::test {
 namespace {
 
 using namespace drive;
 using namespace std::chrono_literals;
-
-constexpr unsigned UNIT = 12;
-
-const Packet OPEN{0x59, 0x20, 0x22, 0, 0, 2, 0, 0, 0xD2, 0, 0, 0, 0, 0};
-const Packet FORWARD_1000{0x59, 0x20, 0x22, 0, 0, 2, 0, 0, 0xD1, 0, 0x60, 0, 0xE8, 0x03};
-const Packet REVERSE_1000{0x59, 0x20, 0x22, 0, 0, 2, 0, 0, 0xD1, 0, 0x60, 0x80, 0xE8, 0x03};
-const Packet RESET{0x35, 0x20, 0x22, 0, 0, 0, 0, 0};
-const Packet ACCEPTED{0x59, 0x20, 0x22, 0, 1};
-const Packet REFUSED{0x59, 0x20, 0x22, 0, 0};
-const Packet RESET_ACCEPTED{0x35, 0x20, 0x22, 0, 1};
-const Packet ACKNOWLEDGEMENT{service::ACKNOWLEDGEMENT_BYTE};
-const Packet END_OF_FILE;
 
 // A board with its motor and service, as tesmor-drive has them.
 struct Driven {
@@ -57,15 +41,7 @@ struct Driven {
     std::optional<service::DriveService> service;
 };
 
-class BoardMotorTest : public ::testing::TestWithParam<Firmware> {
-protected:
-    BoardMotorTest()
-    {
-        const auto folder = std::filesystem::temp_directory_path() / ("tesmor-state-" + std::to_string(getpid()));
-        std::filesystem::remove_all(folder);
-        setenv("XDG_STATE_HOME", folder.c_str(), 1);
-    }
-};
+class BoardMotorTest : public MotorTest, public ::testing::WithParamInterface<Firmware> {};
 
 INSTANTIATE_TEST_SUITE_P(Boards, BoardMotorTest,
                          ::testing::Values(Firmware::grbl, Firmware::marlin, Firmware::sangaboard));
@@ -133,7 +109,7 @@ TEST_P(BoardMotorTest, TellsTheClientOfEachFaultAndWorksAgainAfterIt)
     }
 }
 
-TEST_F(BoardMotorTest, DropsTheAcknowledgementOfAClientThatHasGone)
+TEST_F(MotorTest, DropsTheAcknowledgementOfAClientThatHasGone)
 {
     Driven driven(Firmware::grbl);
     driven.board.hold(true);
@@ -148,21 +124,26 @@ TEST_F(BoardMotorTest, DropsTheAcknowledgementOfAClientThatHasGone)
     EXPECT_EQ(driven.board.position(), 0);
 }
 
-TEST_F(BoardMotorTest, RefusesToPassASoftEndAndKeepsGearAndBacklash)
+TEST_F(MotorTest, RefusesToPassASoftEndAndKeepsGearAndBacklash)
 {
-    Driven driven(Firmware::marlin,
-                  {.travel = {.gearMotor = 1, .gearLink = 3, .backlash = 30, .low = -500, .high = 3000}});
+    Driven driven(
+        Firmware::marlin,
+        {.travel = {.gearMotor = 1, .gearLink = 3, .reversed = true, .backlash = 30, .low = -500, .high = 10'000}});
     const RawClient client(UNIT);
+    const auto move = [&](const Packet& request, int times) {
+        for (int i = 0; i < times; ++i) {
+            EXPECT_EQ(client.ask(request), ACCEPTED);
+            EXPECT_EQ(client.receive(), ACKNOWLEDGEMENT);
+        }
+    };
     EXPECT_EQ(client.ask(REVERSE_1000), REFUSED);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(client.ask(FORWARD_1000), ACCEPTED);
-        EXPECT_EQ(client.receive(), ACKNOWLEDGEMENT);
-    }
-    EXPECT_EQ(driven.board.position(), 1000) << "what the gear leaves over is carried";
+    move(FORWARD_1000, 10);
+    EXPECT_EQ(driven.board.position(), -3333);
     EXPECT_EQ(client.ask(FORWARD_1000), REFUSED);
-    EXPECT_EQ(client.ask(REVERSE_1000), ACCEPTED);
-    EXPECT_EQ(client.receive(), ACKNOWLEDGEMENT);
-    EXPECT_EQ(driven.board.position(), 667);
+    const int turns = driven.board.turns();
+    move(REVERSE_1000, 10);
+    EXPECT_EQ(driven.board.position(), 0) << "where it began, with all that the gear left over";
+    EXPECT_EQ(driven.board.turns(), turns + 20) << "each too far and back";
 }
 
 // The library, the link, the service and a board, whose motor is the focus of the virtual microscope's optics.

@@ -38,6 +38,11 @@ std::int64_t FakeBoard::position() const
     return position_;
 }
 
+int FakeBoard::turns() const
+{
+    return turns_;
+}
+
 void FakeBoard::set(BoardFault fault)
 {
     fault_ = fault;
@@ -119,6 +124,7 @@ void FakeBoard::endMove()
 {
     moves_ = false;
     position_ = std::llround(target_);
+    ++turns_;
     if (onPosition_)
         onPosition_(position_);
     if (std::exchange(waits_, false))

@@ -27,6 +27,7 @@ public:
 
     std::string port() const; // the same after it was plugged in anew
     std::int64_t position() const;
+    int turns() const; // how often its motor has turned
 
     void set(BoardFault fault); // none: plugs it in anew, too
     void hold(bool held);       // a motor that is held does not come to the end of its move
@@ -49,6 +50,7 @@ private:
     std::atomic<bool> held_{false};
     std::atomic<bool> stop_{false};
     std::atomic<std::int64_t> position_{0};
+    std::atomic<int> turns_{0};
 
     // Of the playing thread:
     int terminal_ = -1;
