@@ -5,6 +5,7 @@
 #include "terminal/errors.h"
 #include "terminal/interrupt.h"
 #include "tesmor.h"
+#include "tesmor/fuse_alignment.h"
 #include "tesmor/subcommands.h"
 
 #include <QtGlobal>
@@ -97,7 +98,8 @@ int runCommand(int argc, char** argv)
         return STATUS_DONE;
     }
     if (name == "--version") {
-        std::printf("tesmor %s\nCameras: %s\n", TESMOR_VERSION, cameras::kindsOfCameras().c_str());
+        std::printf("tesmor %s\nCameras: %s\nAlignment: %s\n", TESMOR_VERSION, cameras::kindsOfCameras().c_str(),
+                    alignmentText().c_str());
         return STATUS_DONE;
     }
     if (const Subcommand* subcommand = findSubcommand(name))

@@ -19,7 +19,7 @@ _tesmor()
                 demo) words="--output --seed --magnification --offset --slices --spacing --size --planes --help" ;;
                 devices) words="--json --help" ;;
                 focus) words="--magnification --camera --exposure --gain --json --help" ;;
-                fuse) words="--output --channel --time --range --quiet --json --help" ;;
+                fuse) words="--output --align --no-crop --channel --time --range --quiet --json --help" ;;
                 microscope) words="--magnification --offset --size --fps --drift --breathing --seed --unit --help" ;;
                 move) words="--virtual --json --help" ;;
                 snap) words="--output --camera --exposure --gain --json --help" ;;

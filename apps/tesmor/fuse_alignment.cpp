@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "tesmor/fuse_alignment.h"
+
+#include "registration/frame_overlay.h"
+#include "registration/frame_registration.h"
+#include "registration/shift_look.h"
+#include "registration/stack_placement.h"
+#include "terminal/errors.h"
+#include "terminal/progress_bar.h"
+#include "terminal/text.h"
+
+#include <algorithm>
+
+namespace tesmor::apps {
+
+namespace {
+
+constexpr double NOTICEABLE_SHIFT = 2; // pixels
+constexpr int LEAST_SHARED = 4;        // of a side, one part in so many
+
+} // namespace
+
+std::string alignmentText()
+{
+    return "with " + registrationVersion();
+}
+
+void requireAlignment(QSize size)
+{
+    if (std::min(size.width(), size.height()) < LEAST_REGISTERED_SIDE)
+        throw UserError(QString("images of %1 pixels are too small to be aligned; the minimum is %2 x %2")
+                            .arg(sizeText(size), QString::number(LEAST_REGISTERED_SIDE)));
+    if (std::max(size.width(), size.height()) > MOST_REGISTERED_SIDE)
+        throw UserError(QString("images of %1 pixels are too large to be aligned; the maximum is %2 a side")
+                            .arg(sizeText(size), QString::number(MOST_REGISTERED_SIDE)));
+}
+
+std::uint64_t alignmentMemory(QSize size, std::size_t imageCount)
+{
+    const auto pixels = static_cast<std::uint64_t>(size.width()) * static_cast<std::uint64_t>(size.height());
+    return placementMemory(size) + 3 * pixels * (imageCount + 1);
+}
+
+AlignedImages alignImages(std::vector<QImage>& images, const QStringList& names, bool crop, LiveLine::Style style)
+{
+    const QSize size = images.front().size();
+    ProgressBar bar("Aligning", style);
+    const StackPlacement placement = placeFrames(images, [&](int percent) { bar.show(percent); });
+    AlignedImages aligned{names[static_cast<qsizetype>(placement.reference)], {}, QRect({}, size)};
+    for (std::size_t i = 0; i < images.size(); ++i) {
+        if (!placement.frames[i])
+            aligned.leftOut.append(names[static_cast<qsizetype>(i)]);
+    }
+    const auto others = static_cast<qsizetype>(images.size()) - 1;
+    if (2 * aligned.leftOut.size() > others)
+        throw UserError(QString("%1 of %2 images cannot be aligned with %3, the sharpest one: they are blank, or show "
+                                "something else; leave them out, or merge without --align")
+                            .arg(aligned.leftOut.size())
+                            .arg(images.size())
+                            .arg(aligned.reference));
+    if (crop)
+        aligned.part = sharedPart(placement, size);
+    if (aligned.part.width() < size.width() / LEAST_SHARED || aligned.part.height() < size.height() / LEAST_SHARED)
+        throw UserError("the images share less than a quarter of their width or height; merge fewer, or add --no-crop");
+    layOver(images, placement);
+    return aligned;
+}
+
+std::optional<double> noticeableShift(const std::vector<QImage>& images)
+{
+    const double shift = shiftBetweenFrames(images);
+    return shift >= NOTICEABLE_SHIFT ? std::optional(shift) : std::nullopt;
+}
+
+} // namespace tesmor::apps
