@@ -5,6 +5,7 @@
 #include "viewer/widgets/live_view.h"
 #include "viewer/widgets/message_bar.h"
 
+#include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -80,8 +81,10 @@ void ViewerTest::closeWindow()
 {
     QSignalSpy closed(&*window_, &apps::MainWindow::hasClosed);
     window_->close();
-    if (auto* box = window_->findChild<QMessageBox*>("unsaved"))
-        box->button(QMessageBox::Discard)->click();
+    for (auto* box : window_->findChildren<QMessageBox*>("unsaved")) {
+        if (box->isVisible())
+            box->button(QMessageBox::Discard)->click();
+    }
     EXPECT_TRUE(await([&] { return !closed.isEmpty(); }));
     window_.reset();
 }
@@ -95,7 +98,8 @@ void ViewerTest::click(const char* button)
 
 void ViewerTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
-    QTest::keyClick(&widget("live"), key, modifiers);
+    ASSERT_NE(QApplication::focusWidget(), nullptr);
+    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
 }
 
 bool ViewerTest::awaitIdle()

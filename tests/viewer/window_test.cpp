@@ -6,6 +6,7 @@
 #include "viewer/widgets/result_view.h"
 #include "viewer/widgets/slice_strip.h"
 
+#include <QComboBox>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
@@ -61,6 +62,93 @@ TEST_F(ViewerTest, KeysMoveTheFocusAndNeverMoreThanWasAsked)
     ASSERT_TRUE(await([&] { return microscope_->position() == start + 11 * step; }));
     ASSERT_TRUE(awaitIdle());
     EXPECT_EQ(microscope_->position(), start + 11 * step);
+}
+
+TEST_F(ViewerTest, AStackFromFirstToLastIsFusedAndSaved)
+{
+    openWindow();
+    const std::int64_t start = microscope_->position();
+    click("setFirst");
+    for (int i = 0; i < 3; ++i)
+        press(Qt::Key_PageUp); // 3600 motor steps
+    ASSERT_TRUE(await([&] { return microscope_->position() == start + 3600; }));
+    click("setLast");
+    widget<QSpinBox>("spacing").setValue(10);
+    EXPECT_TRUE(widget<QLabel>("plan").text().startsWith("4 slices, 7.03 µm (3600 steps) deep"))
+        << widget<QLabel>("plan").text().toStdString();
+
+    click("capture");
+    ASSERT_TRUE(awaitIdle());
+    EXPECT_EQ(widget<apps::SliceStrip>("strip").sliceCount(), 4);
+    EXPECT_EQ(microscope_->position(), start + 3600) << "the focus is back where it was";
+    EXPECT_TRUE(window_->isWindowModified());
+
+    press(Qt::Key_M);
+    ASSERT_TRUE(awaitIdle());
+    auto& result = *window_->findChild<apps::ResultView*>();
+    EXPECT_TRUE(result.isVisible());
+    EXPECT_EQ(result.slices().size(), 4);
+    ASSERT_EQ(result.result().size(), QSize(256, 192));
+
+    press(Qt::Key_S, Qt::ControlModifier);
+    auto* dialog = window_->findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->setDirectory(folder_.path());
+    dialog->selectFile("mine.png");
+    QMetaObject::invokeMethod(dialog, "accept");
+    ASSERT_TRUE(await([&] { return !window_->isWindowModified(); }));
+    const QImage saved(folder_.filePath("mine.png"));
+    EXPECT_EQ(saved.convertedTo(QImage::Format_BGR888), result.result());
+    EXPECT_NEAR(saved.dotsPerMeterX(), 1e6 / (3.45 / 10 * 1280 / 256), 1);
+}
+
+TEST_F(ViewerTest, OneKeyFocusesCapturesAndFuses)
+{
+    openWindow();
+    widget<QSpinBox>("slices").setValue(5);
+    press(Qt::Key_A);
+    ASSERT_TRUE(awaitIdle());
+    auto& result = *window_->findChild<apps::ResultView*>();
+    EXPECT_EQ(result.slices().size(), 5);
+    EXPECT_FALSE(result.result().isNull());
+    EXPECT_LT(distanceFromFocus(), microscope_->depthOfField() / 2);
+
+    press(Qt::Key_K); // would replace what is not saved
+    auto* box = window_->findChild<QMessageBox*>("unsaved");
+    ASSERT_NE(box, nullptr);
+    box->button(QMessageBox::Cancel)->click();
+    EXPECT_FALSE(window_->session().isBusy());
+    EXPECT_FALSE(result.result().isNull());
+}
+
+TEST_F(ViewerTest, AStoppedStackKeepsItsSlices)
+{
+    settingsOfMicroscope_.timeScale = 1;
+    openWindow();
+    widget<QSpinBox>("slices").setValue(120);
+    press(Qt::Key_K);
+    ASSERT_TRUE(await([&] { return widget<apps::SliceStrip>("strip").sliceCount() >= 2; }));
+    press(Qt::Key_Escape);
+    ASSERT_TRUE(awaitIdle());
+    const auto kept = window_->session().slices().size();
+    EXPECT_GE(kept, 2);
+    EXPECT_LT(kept, 120);
+    EXPECT_TRUE(window_->isWindowModified());
+    click("fuse");
+    ASSERT_TRUE(awaitIdle());
+    EXPECT_FALSE(window_->findChild<apps::ResultView*>()->result().isNull());
+}
+
+TEST_F(ViewerTest, RemembersObjectiveAndStack)
+{
+    openWindow();
+    widget<QComboBox>("objective").setCurrentText("40×");
+    widget<QSpinBox>("slices").setValue(33);
+    ASSERT_TRUE(await([&] { return microscope_ && microscope_->settings().magnification == 40; }));
+    closeWindow();
+    openWindow();
+    EXPECT_EQ(window_->session().magnification(), 40);
+    EXPECT_EQ(widget<QSpinBox>("slices").value(), 33);
 }
 
 } // namespace

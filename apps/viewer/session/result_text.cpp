@@ -108,6 +108,8 @@ std::optional<Message> textOf(Operation operation, std::int32_t result)
 // The library takes the lowest that is not foreign.
 std::optional<Message> textOf(const std::vector<DriveUnit>& units)
 {
+    if (units.empty())
+        return Words::noDrive();
     std::optional<Message> text;
     for (const DriveUnit& unit : units) {
         if (unit.state == DriveState::busy)

@@ -20,7 +20,7 @@ constexpr int DRIVE_RELEASE_MS = 3000; // so that another program can have the d
 
 } // namespace
 
-Session::Session()
+Session::Session(std::uint16_t magnification) : magnification_(magnification)
 {
     ticks_.setInterval(TICK_MS);
     driveRelease_.setInterval(DRIVE_RELEASE_MS);
@@ -56,6 +56,16 @@ void Session::setMagnification(std::uint16_t magnification)
     if (source_.source().isSimulated)
         reconnect(); // its objective is one of the microscope's parts
     emit changed();
+}
+
+void Session::whenIdle(const std::function<void()>& act)
+{
+    if (!isBusy())
+        return act();
+    if (isFree()) {
+        moves_.clear();
+        whenIdle_ = act;
+    }
 }
 
 void Session::focus()

@@ -28,11 +28,15 @@ class Session : public QObject {
     Q_OBJECT
 
 public:
-    Session(); // throws UserError when the library cannot be started
+    // With that objective. Throws UserError when the library cannot be started.
+    explicit Session(std::uint16_t magnification);
 
     void open(const Source& source);
     void reconnect(); // the last source
     void setMagnification(std::uint16_t magnification);
+
+    // Does it now, or once a move by hand has ended.
+    void whenIdle(const std::function<void()>& act);
 
     void focus();
     void move(int steps);     // motor steps; while busy with another move, the next takes them all
@@ -166,15 +170,17 @@ private:
     void takeFrame();
     void followSource(LiveSource::State state, const QString& text);
     void tellOfDrives(const std::vector<DriveUnit>& units);
+    void tellOfDrive(Message message);
     bool hasMemoryFor(const StackPlan& plan);
 
     Library library_;
-    std::uint16_t magnification_ = 10;
+    std::uint16_t magnification_;
     std::deque<Step> steps_; // the first is the one that runs
     std::optional<Operation> operation_;
     bool isByHand_ = false; // what runs is a move that was asked for by move
     bool isStopping_ = false;
     MoveQueue moves_;
+    std::function<void()> whenIdle_;
     int stepsOfMove_ = 0; // of the one that runs
     std::int64_t countedPosition_ = 0;
     std::optional<std::int64_t> first_;

@@ -30,8 +30,11 @@ void Session::end(std::int32_t result, const QImage& fused)
     if (operation != Operation::FUSION)
         driveRelease_.start();
     beginNext();
-    if (!isBusy())
-        emit changed();
+    if (isBusy())
+        return;
+    emit changed();
+    if (const auto act = std::exchange(whenIdle_, {}); act && succeeded)
+        act();
 }
 
 // Returns a line that tells of it.
@@ -76,7 +79,7 @@ QString Session::fail(Operation operation, std::int32_t result)
     if (!message || source_.state() == LiveSource::State::LOST) // which was told already
         return {};
     if (result != TESMOR_ABORTED) // which the user did, and wants no bar for
-        emit told(*message);
+        tellOfDrive(*message);
     return message->text;
 }
 
@@ -152,7 +155,17 @@ void Session::followSource(LiveSource::State state, const QString& text)
 void Session::tellOfDrives(const std::vector<DriveUnit>& units)
 {
     if (const auto message = textOf(units))
-        emit told(*message);
+        tellOfDrive(*message);
+}
+
+// The drive of a simulated source comes back with it.
+void Session::tellOfDrive(Message message)
+{
+    if (source_.source().isSimulated && message.topic == "drive") {
+        message.remedy = tr("Reconnect the virtual microscope, and try again.");
+        message.action = tr("Reconnect");
+    }
+    emit told(message);
 }
 
 } // namespace tesmor::apps

@@ -196,7 +196,7 @@ void FocusPanel::showPosition()
     };
     stepLength_->setText(lengthOf(fineSteps()));
     const auto steps = static_cast<double>(session_.position());
-    const QString degrees = tr("Position %1°").arg(steps * DEGREES_PER_STEP, 0, 'f', 1);
+    const QString degrees = tr("Position %1°").arg(QString::number(steps * DEGREES_PER_STEP, 'f', 1).replace('-', "−"));
     const QString length = lengthOf(steps);
     position_->setText(length.isEmpty() ? degrees : degrees + ", " + length);
 }
@@ -204,14 +204,21 @@ void FocusPanel::showPosition()
 void FocusPanel::beginCurve()
 {
     curve_->clear();
-    curve_->setPositionTitle(session_.curve().isOverTime() ? tr("time (s)") : tr("motor position (steps)"));
+    curve_->setPositionTitle(session_.curve().isOverTime() ? tr("time (s)")
+                             : calibration_.micrometres(1) ? tr("focus position (µm)")
+                                                           : tr("focus position (°)"));
+}
+
+double FocusPanel::placeInCurve(double place) const
+{
+    return session_.curve().isOverTime() ? place : calibration_.micrometres(place).value_or(place * DEGREES_PER_STEP);
 }
 
 void FocusPanel::growCurve()
 {
     const auto& points = session_.curve().points();
     for (auto i = static_cast<std::size_t>(curve_->sampleCount()); i < points.size(); ++i)
-        curve_->addSample(points[i].phase, points[i].place, points[i].sharpness);
+        curve_->addSample(points[i].phase, placeInCurve(points[i].place), points[i].sharpness);
 }
 
 void FocusPanel::endCurve(bool found)
@@ -219,7 +226,7 @@ void FocusPanel::endCurve(bool found)
     curve_->clear();
     growCurve();
     if (found && !session_.curve().isOverTime())
-        curve_->setChosenPosition(static_cast<double>(session_.position()));
+        curve_->setChosenPosition(placeInCurve(static_cast<double>(session_.position())));
 }
 
 } // namespace tesmor::apps

@@ -41,6 +41,7 @@ private:
     void showPosition();
     void beginCurve();
     void growCurve();
+    double placeInCurve(double place) const;
     void endCurve(bool found);
 
     Session& session_;

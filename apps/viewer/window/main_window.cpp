@@ -2,6 +2,7 @@
 // How the window is put together; main_window_menus.cpp has its menus, main_window_events.cpp what happens in it.
 #include "viewer/window/main_window.h"
 
+#include "host/focus_units.h"
 #include "viewer/widgets/live_view.h"
 #include "viewer/widgets/message_bar.h"
 #include "viewer/widgets/result_view.h"
@@ -16,11 +17,14 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace tesmor::apps {
 
@@ -29,17 +33,26 @@ namespace {
 constexpr QSize USUAL_SIZE(1360, 900);
 constexpr int PROGRESS_WIDTH = 180;
 constexpr int SECOND_MS = 1000;
+constexpr std::uint16_t USUAL_MAGNIFICATION = 10;
+
+std::uint16_t magnificationIn(const QSettings& settings)
+{
+    const auto saved = static_cast<std::uint16_t>(settings.value("magnification").toUInt());
+    return std::ranges::find(FOCUS_OBJECTIVES, saved, &FocusObjective::magnification) == FOCUS_OBJECTIVES.end()
+               ? USUAL_MAGNIFICATION
+               : saved;
+}
 
 } // namespace
 
 MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSettings& settings)
-    : settings_(settings), finder_(finder), wanted_(wanted), live_(new LiveView), result_(new ResultPane(settings)),
-      splitter_(new QSplitter), strip_(new SliceStrip), messages_(new MessageBar),
+    : settings_(settings), finder_(finder), wanted_(wanted), session_(magnificationIn(settings)), live_(new LiveView),
+      result_(new ResultPane(settings)), splitter_(new QSplitter), strip_(new SliceStrip), messages_(new MessageBar),
       focusPanel_(new FocusPanel(session_)), stackPanel_(new StackPanel(session_)),
       cameraPanel_(new CameraPanel(session_.source())), activity_(new QLabel), frameInfo_(new QLabel),
       progress_(new QProgressBar)
 {
-    setWindowTitle(tr("tesmor"));
+    setWindowTitle(tr("tesmor") + "[*]");
     setWindowIcon(applicationIcon());
     build();
     buildStatusBar();
@@ -48,6 +61,8 @@ MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSetti
     qApp->installEventFilter(this);
     if (!restoreGeometry(settings_.value("window/geometry").toByteArray()))
         resize(USUAL_SIZE);
+    stackPanel_->setNumbers(settings_.value("stack/slices", StackPanel::USUAL_SLICES).toInt(),
+                            settings_.value("stack/spacing", StackPanel::USUAL_SPACING).toInt());
     live_->setFocus();
     showState();
     findSources();
@@ -63,7 +78,7 @@ void MainWindow::build()
     live_->setObjectName("live");
     live_->setAccessibleName(tr("Live image"));
     result_->setVisible(false);
-    strip_->setObjectName("slices");
+    strip_->setObjectName("strip");
     strip_->setAccessibleName(tr("Slices"));
     strip_->setVisible(false);
     splitter_->addWidget(live_);
@@ -89,6 +104,14 @@ QWidget* MainWindow::makeSidePanel()
     layout->addWidget(focusPanel_, 1);
     layout->addWidget(stackPanel_);
     layout->addWidget(cameraPanel_);
+    // A click leaves the keys to the live image, and so does a button that is disabled by its own click.
+    for (QPushButton* button : panel->findChildren<QPushButton*>()) {
+        button->setFocusPolicy(Qt::TabFocus);
+        connect(button, &QPushButton::clicked, this, [this, button] {
+            if (!button->hasFocus())
+                live_->setFocus();
+        });
+    }
     auto* area = new QScrollArea;
     area->setWidget(panel);
     area->setWidgetResizable(true);
@@ -132,8 +155,8 @@ void MainWindow::connectParts()
 
     connect(messages_, &MessageBar::actionTriggered, this, &MainWindow::obey);
     connect(stackPanel_, &StackPanel::captureAsked, this,
-            [this](const StackPlan& plan) { afterUnsaved([this, plan] { session_.capture(plan); }); });
-    connect(stackPanel_, &StackPanel::fuseAsked, &session_, &Session::fuse);
+            [this] { afterUnsaved([this] { session_.whenIdle([this] { capture(); }); }); });
+    connect(stackPanel_, &StackPanel::fuseAsked, this, [this] { session_.whenIdle([this] { session_.fuse(); }); });
     connect(stackPanel_, &StackPanel::allAsked, this, [this](int slices, int spacing) {
         afterUnsaved([=, this] { session_.focusCaptureAndFuse(slices, spacing); });
     });
@@ -147,6 +170,7 @@ void MainWindow::connectParts()
     connect(result_, &ResultPane::closed, this, [this] { showResult(false); });
     connect(result_, &ResultPane::told, messages_, &MessageBar::post);
     connect(result_, &ResultPane::changed, this, &MainWindow::showState);
+    connect(result_, &ResultPane::notSaved, this, [this] { afterSaving_ = {}; });
     connect(result_, &ResultPane::saved, this, [this](const QString& file) {
         messages_->withdraw("save");
         activity_->setText(tr("Saved as %1.").arg(file));

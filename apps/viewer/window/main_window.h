@@ -72,6 +72,7 @@ private:
     void showFrame(const QImage& frame, double sharpness);
     void showActivity();
     void showFrameRate();
+    void capture();
     void beginStack();
     void endCommand(Operation operation, bool succeeded, const QString& text);
     void showResult(bool visible);
@@ -81,6 +82,7 @@ private:
     void applyCalibration();
     void calibratePixels(double rulerLength);
     void calibrateTurn();
+    void saveSettings();
     void showAbout();
 
     // Does it, unless the user wants to keep what is unsaved; saves that first if he likes.

@@ -125,7 +125,6 @@ void MainWindow::showState()
     findChild<QAction*>("actionSaveSlices")->setEnabled(!result_->view().slices().isEmpty());
     findChild<QAction*>("reconnect")->setEnabled(wasOpened_);
     setWindowModified(result_->hasUnsaved());
-    settings_.setValue("magnification", session_.magnification());
     if (session_.isBusy())
         showActivity();
 }
@@ -192,6 +191,12 @@ void MainWindow::showFrameRate()
     source.refreshControls();
 }
 
+void MainWindow::capture()
+{
+    if (const auto plan = stackPanel_->plan())
+        session_.capture(*plan);
+}
+
 void MainWindow::beginStack()
 {
     strip_->start(session_.plan().slices);
@@ -225,7 +230,7 @@ void MainWindow::showResult(bool visible)
 // What the button of a message says.
 void MainWindow::obey(const QString& topic)
 {
-    if (topic == "camera")
+    if (topic == "camera" || topic == "drive")
         session_.reconnect();
     else if (topic == "save")
         result_->save();
@@ -311,12 +316,20 @@ void MainWindow::closeEvent(QCloseEvent* event)
         return;
     afterUnsaved([this] {
         isClosing_ = true;
-        settings_.setValue("window/geometry", saveGeometry());
+        saveSettings();
         centralWidget()->setEnabled(false);
         menuBar()->setEnabled(false);
         activity_->setText(tr("Closing …"));
         session_.shutDown();
     });
+}
+
+void MainWindow::saveSettings()
+{
+    settings_.setValue("window/geometry", saveGeometry());
+    settings_.setValue("magnification", session_.magnification());
+    settings_.setValue("stack/slices", stackPanel_->slices());
+    settings_.setValue("stack/spacing", stackPanel_->spacing());
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event)

@@ -115,6 +115,7 @@ void ResultPane::askForFile(const QString& title, const QString& filters, const 
         settings_.setValue(FOLDER_KEY, QFileInfo(file).path());
         writeFile(file, write);
     });
+    connect(dialog, &QFileDialog::rejected, this, &ResultPane::notSaved);
     dialog->open();
 }
 
@@ -138,6 +139,7 @@ void ResultPane::finishWriting(int version, const QString& file, const QString& 
 {
     --saving_;
     if (!failure.isEmpty()) {
+        emit notSaved();
         emit told({Severity::ERROR, "save", tr("Not saved: %1.").arg(failure), {}, tr("Save as …")});
     } else {
         if (version == version_)

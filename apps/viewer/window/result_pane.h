@@ -53,6 +53,7 @@ public:
 
 signals:
     void saved(const QString& file);
+    void notSaved(); // the user thought better of it, or it failed
     void told(const tesmor::apps::Message& message);
     void changed(); // what there is to save
     void closed();

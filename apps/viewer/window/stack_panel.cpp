@@ -7,7 +7,6 @@
 #include "viewer/widgets/scale_bar.h"
 #include "viewer/widgets/style.h"
 
-#include <QFormLayout>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -20,8 +19,7 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr int USUAL_SLICES = 12;
-constexpr int USUAL_SPACING = 4;
+constexpr int NUMBER_SPACE = 12; // pixels
 
 QPushButton* makeButton(const QString& name, const QString& icon, const QString& text, const QString& tip)
 {
@@ -57,6 +55,7 @@ void StackPanel::build()
     slices_->setValue(USUAL_SLICES);
     slices_->setAccessibleName(tr("Number of slices"));
     spacing_->setObjectName("spacing");
+    spacing_->setRange(1, LARGEST_MOVE);
     spacing_->setValue(USUAL_SPACING);
     spacing_->setAccessibleName(tr("Spacing"));
     spacing_->setToolTip(tr("From one slice to the next, in the smallest steps that the objective needs"));
@@ -74,15 +73,22 @@ void StackPanel::build()
     ends->addWidget(setLast_, 1, 1);
     ends->addWidget(first_, 2, 0);
     ends->addWidget(last_, 2, 1);
-    auto* form = new QFormLayout;
-    form->addRow(tr("Sl&ices:"), slices_);
-    form->addRow(tr("S&pacing:"), spacing_);
+    auto* slicesLabel = new QLabel(tr("Sl&ices:"));
+    slicesLabel->setBuddy(slices_);
+    auto* spacingLabel = new QLabel(tr("S&pacing:"));
+    spacingLabel->setBuddy(spacing_);
+    auto* numbers = new QHBoxLayout;
+    numbers->addWidget(slicesLabel);
+    numbers->addWidget(slices_, 1);
+    numbers->addSpacing(NUMBER_SPACE);
+    numbers->addWidget(spacingLabel);
+    numbers->addWidget(spacing_, 2);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(capture_, 1);
     buttons->addWidget(fuse_, 1);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(ends);
-    layout->addLayout(form);
+    layout->addLayout(numbers);
     layout->addWidget(planText_);
     layout->addLayout(buttons);
     layout->addWidget(all_);
@@ -99,10 +105,7 @@ void StackPanel::connectSession()
     connect(between_, &QRadioButton::toggled, this, &StackPanel::showState);
     connect(slices_, &QSpinBox::valueChanged, this, &StackPanel::showState);
     connect(spacing_, &QSpinBox::valueChanged, this, &StackPanel::showState);
-    connect(capture_, &QPushButton::clicked, this, [this] {
-        if (const auto stack = plan())
-            emit captureAsked(*stack);
-    });
+    connect(capture_, &QPushButton::clicked, this, &StackPanel::captureAsked);
     connect(fuse_, &QPushButton::clicked, this, &StackPanel::fuseAsked);
     connect(all_, &QPushButton::clicked, this, [this] { emit allAsked(slices(), spacing()); });
 }
@@ -111,6 +114,12 @@ void StackPanel::setCalibration(const Calibration& calibration)
 {
     calibration_ = calibration;
     showState();
+}
+
+void StackPanel::setNumbers(int slices, int spacing)
+{
+    slices_->setValue(slices);
+    spacing_->setValue(spacing);
 }
 
 int StackPanel::slices() const
@@ -123,7 +132,6 @@ int StackPanel::spacing() const
     return spacing_->value();
 }
 
-// None when the ends are not set, or too far from each other.
 std::optional<StackPlan> StackPanel::plan() const
 {
     const std::uint16_t magnification = session_.magnification();
@@ -142,15 +150,15 @@ void StackPanel::showState()
     spacing_->setSuffix(tr(" × %1 steps").arg(unit));
     const bool isBetween = between_->isChecked();
     slices_->setEnabled(!isBetween);
-    const bool isReady = !session_.isBusy() && session_.canFocus();
+    const bool isReady = session_.isFree() && session_.canFocus();
     setFirst_->setEnabled(isReady);
     setLast_->setEnabled(isReady);
     showEnd(first_, session_.first());
     showEnd(last_, session_.last());
     planText_->setText(textOfPlan());
     capture_->setEnabled(isReady && plan());
-    fuse_->setEnabled(!session_.isBusy() && !session_.slices().isEmpty());
-    all_->setEnabled(session_.isFree() && session_.canFocus());
+    fuse_->setEnabled(session_.isFree() && !session_.slices().isEmpty());
+    all_->setEnabled(isReady);
 }
 
 void StackPanel::showEnd(QLabel* label, std::optional<std::int64_t> end)

@@ -24,19 +24,25 @@ public:
 
     void setCalibration(const Calibration& calibration);
 
+    static constexpr int USUAL_SLICES = 12;
+    static constexpr int USUAL_SPACING = 4;
+
+    void setNumbers(int slices, int spacing);
+    // None when the ends are not set, or too far from each other.
+    std::optional<StackPlan> plan() const;
+
     int slices() const;
     int spacing() const; // units of the objective
 
 signals:
     // What is to be done with the session, once nothing unsaved is in its way.
-    void captureAsked(const tesmor::apps::StackPlan& plan);
+    void captureAsked();
     void fuseAsked();
     void allAsked(int slices, int spacing);
 
 private:
     void build();
     void connectSession();
-    std::optional<StackPlan> plan() const;
     void showState();
     void showEnd(QLabel* label, std::optional<std::int64_t> end);
     QString textOfPlan() const;
