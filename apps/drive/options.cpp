@@ -48,7 +48,7 @@ constexpr std::array ROWS{
         [](Options& o, const std::string& v) { o.gcode.port = o.sangaboard.port = v; }},
     Row{"baud", GCODE | SANGABOARD, NONE,
         [](Options& o, const std::string& v) {
-            o.gcode.baud = o.sangaboard.baud = static_cast<unsigned>(integerOf("baud", v, 1, 100'000'000));
+            o.gcode.baud = o.sangaboard.baud = static_cast<unsigned>(integerOf("baud", v, 300, 4'000'000));
         }},
     Row{"steps-per-mm", GCODE, GCODE,
         [](Options& o, const std::string& v) { o.gcode.stepsPerMm = numberOf("steps-per-mm", v); }},

@@ -2,6 +2,7 @@
 #include "drive/serial_port.h"
 
 #include "drive/port_users.h"
+#include "drive/serial_speed.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +15,6 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
-#include <utility>
 
 namespace tesmor::drive {
 
@@ -22,21 +22,6 @@ namespace {
 
 constexpr int WRITE_LIMIT_MS = 1000;
 constexpr std::size_t LONGEST_LINE = 240; // longer ones are cut
-
-constexpr std::array SPEEDS{
-    std::pair{9600u, B9600},       std::pair{19200u, B19200},     std::pair{38400u, B38400},
-    std::pair{57600u, B57600},     std::pair{115200u, B115200},   std::pair{230400u, B230400},
-    std::pair{460800u, B460800},   std::pair{500000u, B500000},   std::pair{921600u, B921600},
-    std::pair{1000000u, B1000000}, std::pair{2000000u, B2000000},
-};
-
-speed_t speedOf(unsigned baud)
-{
-    const auto* const found = std::ranges::find(SPEEDS, baud, &std::pair<unsigned, int>::first);
-    if (found == SPEEDS.end())
-        throw MotorLost("there is no serial speed of " + std::to_string(baud) + " baud; try --baud 115200");
-    return static_cast<speed_t>(found->second);
-}
 
 std::string whyNotOpened(const std::string& port, int error)
 {
@@ -58,7 +43,7 @@ std::string printable(std::string text)
     return text;
 }
 
-bool makeRaw(int descriptor, speed_t speed)
+bool makeRaw(int descriptor)
 {
     termios settings{};
     if (tcgetattr(descriptor, &settings) != 0)
@@ -66,20 +51,19 @@ bool makeRaw(int descriptor, speed_t speed)
     cfmakeraw(&settings);
     settings.c_cflag |= CLOCAL | CREAD;
     settings.c_cflag &= ~static_cast<tcflag_t>(CRTSCTS | CSTOPB);
-    return cfsetspeed(&settings, speed) == 0 && tcsetattr(descriptor, TCSANOW, &settings) == 0;
+    return tcsetattr(descriptor, TCSANOW, &settings) == 0;
 }
 
 } // namespace
 
 SerialPort::SerialPort(const std::string& port, unsigned baud) : port_(port)
 {
-    const speed_t speed = speedOf(baud);
     descriptor_ = open(port.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (descriptor_ < 0)
         throw MotorLost(whyNotOpened(port, errno));
     // The lock tells another tesmor-drive, also where root could pass TIOCEXCL.
     const bool isOurs = flock(descriptor_, LOCK_EX | LOCK_NB) == 0 && ioctl(descriptor_, TIOCEXCL) == 0;
-    if (isOurs && makeRaw(descriptor_, speed)) {
+    if (isOurs && makeRaw(descriptor_) && setSerialSpeed(descriptor_, baud)) {
         tcflush(descriptor_, TCIOFLUSH);
         return;
     }

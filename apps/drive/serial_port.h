@@ -15,7 +15,7 @@ public:
     using Clock = std::chrono::steady_clock;
 
     // Opens the port raw, 8 bits without parity, for this program alone. Throws MotorLost with the remedy: no such
-    // port, no permission, in use and by whom, a speed that there is not.
+    // port, no permission, in use and by whom.
     SerialPort(const std::string& port, unsigned baud);
 
     ~SerialPort();
