@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
-# What `cmake --install` puts where. Components: runtime (the library), development, command, python.
+# What `cmake --install` puts where. Components: runtime (the library), development, command, drive, python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -44,6 +44,16 @@ if(TARGET tesmor_command)
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
   install(FILES ${PROJECT_SOURCE_DIR}/apps/tesmor/completion.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tesmor COMPONENT command)
+endif()
+
+if(TARGET tesmor_drive)
+  set(systemFiles ${PROJECT_SOURCE_DIR}/apps/drive/system)
+  install(TARGETS tesmor_drive RUNTIME COMPONENT drive)
+  install(FILES ${systemFiles}/tesmor-drive.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT drive)
+  install(FILES ${systemFiles}/completion.bash
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tesmor-drive COMPONENT drive)
+  install(FILES ${systemFiles}/tesmor-drive.service DESTINATION lib/systemd/user COMPONENT drive)
+  install(FILES ${systemFiles}/70-tesmor-drive.rules DESTINATION lib/udev/rules.d COMPONENT drive)
 endif()
 
 if(WIN32)

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 # `cmake --build build/release --target package` makes, in the build's folder packages:
 #   for Debian: libtesmor0 (the library), libtesmor-dev (what a viewer's developer needs), tesmor (the command),
-#   python3-tesmor (the Python module)
+#   tesmor-drive (the service for real motors), python3-tesmor (the Python module)
 #   for Windows: a zip with the DLL, its import library, the headers and FFTW's DLL
 set(CPACK_PACKAGE_NAME tesmor)
 set(CPACK_PACKAGE_VENDOR "The tesmor developers")
@@ -20,6 +20,9 @@ endif()
 set(CPACK_COMPONENTS_ALL runtime development)
 if(TARGET tesmor_command)
   list(APPEND CPACK_COMPONENTS_ALL command)
+endif()
+if(TARGET tesmor_drive)
+  list(APPEND CPACK_COMPONENTS_ALL drive)
 endif()
 if(TARGET tesmor_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
@@ -53,6 +56,13 @@ set(CPACK_COMPONENT_COMMAND_DEPENDS runtime)
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION
   "Merges focus stacks, focuses and captures with a camera and a focus drive, and
 simulates a microscope for those who have none at hand.")
+
+set(CPACK_DEBIAN_DRIVE_PACKAGE_NAME tesmor-drive)
+set(CPACK_DEBIAN_DRIVE_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_DRIVE_PACKAGE_SUGGESTS "tesmor, indi-bin")
+set(CPACK_COMPONENT_DRIVE_DESCRIPTION
+  "Turns a real focus motor for viewers of microscope cameras: a board that speaks
+G-code, a Sangaboard, an INDI focuser, or a camera's own controller on USB.")
 
 if(TARGET tesmor_python)
   math(EXPR nextMinor "${Python_VERSION_MINOR} + 1")
