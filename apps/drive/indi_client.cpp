@@ -44,13 +44,6 @@ void IndiClient::sendMove(std::int64_t steps)
                   static_cast<double>(std::abs(steps)));
 }
 
-void IndiClient::newDevice(INDI::BaseDevice device)
-{
-    const std::lock_guard lock(mutex_);
-    state_.isThere = state_.isThere || device_ == device.getDeviceName();
-    changed_.notify_all();
-}
-
 void IndiClient::newProperty(INDI::Property property)
 {
     updateProperty(property);
@@ -61,9 +54,11 @@ void IndiClient::updateProperty(INDI::Property property)
     if (device_ != property.getDeviceName())
         return;
     const std::lock_guard lock(mutex_);
-    if (property.isNameMatch("CONNECTION"))
+    if (property.isNameMatch("CONNECTION")) {
+        state_.isThere = true;
         state_.isConnected =
             property.getState() == IPS_OK && property.getSwitch()->findWidgetByName("CONNECT")->getState() == ISS_ON;
+    }
     if (property.isNameMatch("REL_FOCUS_POSITION"))
         take(state_.relative, property);
     if (property.isNameMatch("ABS_FOCUS_POSITION"))

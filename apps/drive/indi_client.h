@@ -19,7 +19,7 @@ struct FocuserNumber {
 };
 
 struct FocuserState {
-    bool isThere = false;
+    bool isThere = false;     // and can be told to connect
     bool isConnected = false; // to its device
     bool hasGone = false;     // with its server
     FocuserNumber relative;
@@ -46,7 +46,6 @@ public:
     void sendMove(std::int64_t steps);
 
 protected:
-    void newDevice(INDI::BaseDevice device) override;
     void newProperty(INDI::Property property) override;
     void updateProperty(INDI::Property property) override;
     void serverDisconnected(int code) override;

@@ -30,7 +30,9 @@ protected:
     {
         const auto folder = std::filesystem::temp_directory_path() / ("tesmor-state-" + std::to_string(getpid()));
         std::filesystem::remove_all(folder);
+        std::filesystem::create_directory(folder);
         setenv("XDG_STATE_HOME", folder.c_str(), 1);
+        setenv("HOME", folder.c_str(), 1); // where INDI's drivers keep their settings
     }
 };
 
