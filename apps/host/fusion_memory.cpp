@@ -37,10 +37,15 @@ std::uint64_t fusionMemory(QSize size, std::size_t imageCount)
     return pixels * (FUSION_BYTES_PER_PIXEL + IMAGE_BYTES_PER_PIXEL * (imageCount + 1));
 }
 
-void requireFusionMemory(std::uint64_t needed)
+bool hasMemory(std::uint64_t needed)
 {
     const auto available = availableMemory();
-    if (available && needed > *available)
+    return !available || needed <= *available;
+}
+
+void requireFusionMemory(std::uint64_t needed)
+{
+    if (!hasMemory(needed))
         throw fusionMemoryError(needed);
 }
 

@@ -14,6 +14,9 @@ namespace tesmor::apps {
 // Bytes in total: the fusion's own memory, the images and the output.
 std::uint64_t fusionMemory(QSize size, std::size_t imageCount);
 
+// True where the system does not say.
+bool hasMemory(std::uint64_t needed);
+
 // Throws UserError if that much is not available without swapping.
 void requireFusionMemory(std::uint64_t needed);
 

@@ -2,7 +2,6 @@
 #include "images/image_sources.h"
 
 #include "images/image_files.h"
-#include "images/page_range.h"
 #include "images/tiff_file.h"
 #include "terminal/errors.h"
 
@@ -11,12 +10,6 @@
 namespace tesmor::apps {
 
 namespace {
-
-// A file may be called "a[1].tif", and even "a.tif[1]".
-PagedName splitName(const QString& argument)
-{
-    return QFileInfo::exists(argument) ? PagedName{argument, {}} : pagedNameOf(argument);
-}
 
 void appendPages(const PagedName& name, const PlaneChoice& choice, std::vector<ImageSource>& images)
 {
@@ -40,11 +33,16 @@ void appendPages(const PagedName& name, const PlaneChoice& choice, std::vector<I
 
 } // namespace
 
+PagedName pagesNamedBy(const QString& argument)
+{
+    return QFileInfo::exists(argument) ? PagedName{argument, {}} : pagedNameOf(argument);
+}
+
 std::vector<ImageSource> findImages(const QStringList& arguments, const PlaneChoice& choice)
 {
     std::vector<ImageSource> images;
     for (const QString& argument : arguments) {
-        const PagedName name = splitName(argument);
+        const PagedName name = pagesNamedBy(argument);
         requireReadableFile(name.file);
         if (TiffFile::isTiff(name.file)) {
             appendPages(name, choice, images);

@@ -80,7 +80,7 @@ TEST_F(StackFilesTest, OneRangeServesTheWholeStack)
     save(slope, "deep.png");
     const CommandResult result = run("fuse", {"deep.png"});
     EXPECT_EQ(result.status, 0) << qPrintable(result.errors);
-    EXPECT_TRUE(result.output.contains("0 becomes black, 990 white")) << qPrintable(result.output);
+    EXPECT_TRUE(result.output.contains("0 is black, 990 white")) << qPrintable(result.output);
     EXPECT_NEAR(qGray(QImage(path("fused.png")).pixel(50, 50)), 500 * 255 / 990, 2);
 }
 
