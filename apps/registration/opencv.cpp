@@ -59,10 +59,17 @@ cv::Matx23d matrixOf(const Placement& placement, cv::Size size)
 
 Shift shiftBetween(const cv::Mat& reference, const cv::Mat& shown)
 {
+    // OpenCV pads other sizes, and is half a pixel off where the padded size is odd.
+    const auto transformed = [](int side) {
+        while (side > 2 && (side % 2 != 0 || cv::getOptimalDFTSize(side) != side))
+            --side;
+        return side;
+    };
+    const cv::Rect part(0, 0, transformed(reference.cols), transformed(reference.rows));
     cv::Mat window;
-    cv::createHanningWindow(window, reference.size(), CV_32F);
+    cv::createHanningWindow(window, part.size(), CV_32F);
     Shift shift{};
-    shift.pixels = cv::phaseCorrelate(reference, shown, window, &shift.peak);
+    shift.pixels = cv::phaseCorrelate(reference(part), shown(part), window, &shift.peak);
     return shift;
 }
 

@@ -10,8 +10,26 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr double MOST_PIXELS = 120'000;
-constexpr double LEAST_PEAK = 0.25; // of a shift that is to be believed
+constexpr double MOST_PIXELS = 150'000;
+constexpr double LEAST_PEAK = 0.7; // of a shift that is to be believed: of all detail, not of dust or reflections
+
+// Pixels of the frame to a pixel of the look; whole, since that is averaged fastest.
+int shrinkingOf(const QImage& frame)
+{
+    return std::max(1, static_cast<int>(std::ceil(std::sqrt(1.0 * frame.width() * frame.height() / MOST_PIXELS))));
+}
+
+cv::Mat lookOf(const QImage& frame, int shrinking)
+{
+    const cv::Size size(std::max(1, frame.width() / shrinking), std::max(1, frame.height() / shrinking));
+    const cv::Rect whole(0, 0, std::min(frame.width(), size.width * shrinking),
+                         std::min(frame.height(), size.height * shrinking));
+    cv::Mat small, grey;
+    cv::resize(matOf(frame)(whole), small, size, 0, 0, cv::INTER_AREA);
+    cv::cvtColor(small, grey, cv::COLOR_BGR2GRAY);
+    grey.convertTo(grey, CV_32F);
+    return withoutShading(grey);
+}
 
 } // namespace
 
@@ -21,8 +39,9 @@ double shiftBetweenFrames(const std::vector<QImage>& frames)
         double left = 0, right = 0, top = 0, bottom = 0;
         cv::Point2d place(0, 0);
         cv::Mat last;
+        const int shrinking = shrinkingOf(frames.front());
         for (const QImage& frame : frames) {
-            const cv::Mat grey = withoutShading(greyOf(frame, MOST_PIXELS));
+            const cv::Mat grey = lookOf(frame, shrinking);
             if (!last.empty()) {
                 const Shift shift = shiftBetween(last, grey);
                 if (shift.peak >= LEAST_PEAK)
@@ -32,7 +51,7 @@ double shiftBetweenFrames(const std::vector<QImage>& frames)
             left = std::min(left, place.x), right = std::max(right, place.x);
             top = std::min(top, place.y), bottom = std::max(bottom, place.y);
         }
-        return last.empty() ? 0 : std::hypot(right - left, bottom - top) * frames.front().width() / last.cols;
+        return shrinking * std::hypot(right - left, bottom - top);
     });
 }
 

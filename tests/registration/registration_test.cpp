@@ -80,7 +80,7 @@ TEST(Registration, FindsTheWarpsOfAStack)
                 EXPECT_LT(std::abs(shown.y), size.height() / 2.0);
             }
         }
-        EXPECT_EQ(shiftBetweenFrames(stack.frames) > 2, motion.drift > 0);
+        EXPECT_EQ(shiftBetweenFrames(stack.frames) > 3, motion.drift > 0);
     }
 }
 
