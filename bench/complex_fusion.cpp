@@ -12,6 +12,8 @@ namespace {
 
 using Complex = std::complex<double>;
 
+constexpr double TIE = 1e-9; // grey levels; a plan's rounding errors are smaller by a factor of a thousand
+
 fftw_complex* fftw(std::vector<Complex>& values)
 {
     return reinterpret_cast<fftw_complex*>(values.data());
@@ -37,9 +39,14 @@ public:
     ComplexSharpening(const ComplexSharpening&) = delete;
     ComplexSharpening& operator=(const ComplexSharpening&) = delete;
 
-    // valueOf(i): pixel i's. Returns the sharpened byte of each pixel.
+    struct Sharpened {
+        Bytes bytes;
+        std::vector<bool> onATie;
+    };
+
+    // valueOf(i): pixel i's.
     template <class ValueOf>
-    Bytes run(ValueOf valueOf)
+    Sharpened run(ValueOf valueOf)
     {
         for (std::size_t i = 0; i < plane_.size(); ++i)
             plane_[i] = valueOf(i);
@@ -47,13 +54,15 @@ public:
         for (std::size_t i = 0; i < spectrum_.size(); ++i)
             spectrum_[i] = spectrum_[i] * (1.0 / gains_[0]) * gains_[i];
         fftw_execute(backward_);
-        Bytes bytes;
+        Sharpened sharpened;
         const double scale = 1.0 / static_cast<double>(plane_.size());
         for (const Complex& value : plane_) {
             const double square = value.real() * value.real() + value.imag() * value.imag();
-            bytes.push_back(static_cast<std::uint8_t>(std::min(std::sqrt(square) * scale + 0.5, 255.0)));
+            const double rounded = std::min(std::sqrt(square) * scale + 0.5, 255.0);
+            sharpened.bytes.push_back(static_cast<std::uint8_t>(rounded));
+            sharpened.onATie.push_back(std::abs(rounded - std::round(rounded)) < TIE && rounded < 255.0);
         }
-        return bytes;
+        return sharpened;
     }
 
 private:
@@ -116,7 +125,7 @@ void smooth(Weights& rows, int width, int height)
 
 } // namespace
 
-Bytes complexFusion(const std::vector<Bytes>& images, int width, int height, unsigned plannerFlags)
+ComplexResult complexFusion(const std::vector<Bytes>& images, int width, int height, unsigned plannerFlags)
 {
     ComplexSharpening sharpening(width, height, plannerFlags);
     const std::size_t count = static_cast<std::size_t>(width) * height;
@@ -128,7 +137,7 @@ Bytes complexFusion(const std::vector<Bytes>& images, int width, int height, uns
         Weights weights(count + static_cast<std::size_t>(width));
         for (std::size_t colour = 0; colour < 3; ++colour) {
             const auto original = [&](std::size_t i) { return image[offsetOf(i) + colour]; };
-            const Bytes sharpened = sharpening.run(original);
+            const Bytes sharpened = sharpening.run(original).bytes;
             for (std::size_t i = 0; i < count; ++i) {
                 const int difference = original(i) - sharpened[i];
                 const int term = difference * (difference - original(i) / 64);
@@ -146,12 +155,14 @@ Bytes complexFusion(const std::vector<Bytes>& images, int width, int height, uns
             }
         }
     }
-    Bytes output(images.front().size());
+    ComplexResult output{Bytes(images.front().size()), std::vector<bool>(images.front().size())};
     for (std::size_t colour = 0; colour < 3; ++colour) {
-        const Bytes sharpened =
+        const auto sharpened =
             sharpening.run([&](std::size_t i) { return sums[3 * i + colour] / static_cast<float>(weightSums[i]); });
-        for (std::size_t i = 0; i < count; ++i)
-            output[offsetOf(i) + colour] = sharpened[i];
+        for (std::size_t i = 0; i < count; ++i) {
+            output.bytes[offsetOf(i) + colour] = sharpened.bytes[i];
+            output.onATie[offsetOf(i) + colour] = sharpened.onATie[i];
+        }
     }
     return output;
 }

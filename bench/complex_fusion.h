@@ -12,6 +12,11 @@ using Bytes = std::vector<std::uint8_t>; // an image in tesmor.h's layout
 
 // images: one or more of width x height pixels, at least 2 x 2.
 // plannerFlags: FFTW's.
-Bytes complexFusion(const std::vector<Bytes>& images, int width, int height, unsigned plannerFlags);
+struct ComplexResult {
+    Bytes bytes;
+    std::vector<bool> onATie; // the value lies so near to a half that the plan's rounding errors decide the byte
+};
+
+ComplexResult complexFusion(const std::vector<Bytes>& images, int width, int height, unsigned plannerFlags);
 
 } // namespace tesmor::bench
