@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -12,12 +13,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool hasOpen(const fs::path& process, const fs::path& device)
+// The very node: in a container, another may have the same name.
+bool hasOpen(const fs::path& process, const struct stat& device)
 {
     std::error_code error;
     for (fs::directory_iterator each(process / "fd", error), end; !error && each != end; each.increment(error)) {
-        std::error_code unreadable;
-        if (fs::read_symlink(each->path(), unreadable) == device)
+        struct stat open {};
+        if (stat(each->path().c_str(), &open) == 0 && open.st_dev == device.st_dev && open.st_ino == device.st_ino)
             return true;
     }
     return false;
@@ -27,13 +29,14 @@ bool hasOpen(const fs::path& process, const fs::path& device)
 
 std::string usersOf(const std::string& device)
 {
+    struct stat node {};
+    stat(device.c_str(), &node);
     std::error_code error;
-    const fs::path file = fs::canonical(device, error);
     std::string users;
     for (fs::directory_iterator each("/proc", error), end; !error && each != end; each.increment(error)) {
         const std::string id = each->path().filename();
         if (id.find_first_not_of("0123456789") != std::string::npos || id == std::to_string(getpid()) ||
-            !hasOpen(each->path(), file))
+            !hasOpen(each->path(), node))
             continue;
         std::string name;
         std::ifstream command(each->path() / "comm");
