@@ -91,6 +91,7 @@ Kind kindNamed(const std::string& name)
 std::vector<option> optionsOfTheSystem()
 {
     std::vector<option> options;
+    options.reserve(ROWS.size() + 1);
     for (const Row& row : ROWS)
         options.push_back({row.name, row.hasValue ? required_argument : no_argument, nullptr, 1});
     options.push_back({});

@@ -8,11 +8,11 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
-#include <cstring>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <system_error>
 #include <termios.h>
 #include <unistd.h>
 
@@ -33,7 +33,7 @@ std::string whyNotOpened(const std::string& port, int error)
                "in anew, or join the group dialout and log in anew";
     if (error == EBUSY || error == EWOULDBLOCK)
         return port + " is in use by " + usersOf(port) + "; end that first";
-    return port + " does not open: " + std::strerror(error);
+    return port + " does not open: " + std::generic_category().message(error);
 }
 
 std::string printable(std::string text)
