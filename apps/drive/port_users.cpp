@@ -41,7 +41,7 @@ std::string usersOf(const std::string& device)
         std::string name;
         std::ifstream command(each->path() / "comm");
         std::getline(command, name);
-        users += (users.empty() ? "" : ", ") + name + " (process " + id + ")";
+        users.append(users.empty() ? "" : ", ").append(name).append(" (process ").append(id).append(")");
     }
     return users.empty() ? "another program" : users;
 }
