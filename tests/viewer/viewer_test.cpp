@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
+#include <thread>
 #include <utility>
 
 namespace tesmor::test {
@@ -21,8 +22,9 @@ constexpr double FRAMES_PER_SECOND = 200;
 class PluggedDevice : public cameras::VirtualDevice {
 public:
     PluggedDevice(std::shared_ptr<microscope::VirtualMicroscope> microscope,
-                  std::shared_ptr<std::atomic<bool>> unplugged)
-        : VirtualDevice(std::move(microscope), FRAMES_PER_SECOND), unplugged_(std::move(unplugged))
+                  std::shared_ptr<std::atomic<bool>> unplugged, std::shared_ptr<std::atomic<bool>> stalled)
+        : VirtualDevice(std::move(microscope), FRAMES_PER_SECOND), unplugged_(std::move(unplugged)),
+          stalled_(std::move(stalled))
     {
         if (*unplugged_)
             throw cameras::CameraError("no such camera; plug it in");
@@ -32,11 +34,15 @@ public:
     {
         if (*unplugged_)
             throw cameras::CameraError("the camera has been unplugged; plug it in again");
-        return VirtualDevice::next(limit, sink);
+        if (!*stalled_)
+            return VirtualDevice::next(limit, sink);
+        std::this_thread::sleep_for(limit);
+        return false;
     }
 
 private:
     const std::shared_ptr<std::atomic<bool>> unplugged_;
+    const std::shared_ptr<std::atomic<bool>> stalled_;
 };
 
 } // namespace
@@ -59,13 +65,15 @@ void ViewerTest::TearDown()
 
 apps::Source ViewerTest::source()
 {
-    return {"virtual", "Test microscope", true, [this](std::uint16_t magnification) {
-                settingsOfMicroscope_.magnification = magnification;
-                microscope_ = std::make_shared<microscope::VirtualMicroscope>(settingsOfMicroscope_);
-                return apps::Instrument{[microscope = microscope_, unplugged = unplugged_] {
-                                            return std::make_unique<PluggedDevice>(microscope, unplugged);
+    return {"virtual", "Test microscope", true,
+            [settings = settingsOfMicroscope_, unplugged = unplugged_,
+             stalled = stalled_](std::uint16_t magnification) mutable {
+                settings.magnification = magnification;
+                const auto microscope = std::make_shared<microscope::VirtualMicroscope>(settings);
+                return apps::Instrument{[microscope, unplugged, stalled] {
+                                            return std::make_unique<PluggedDevice>(microscope, unplugged, stalled);
                                         },
-                                        microscope_};
+                                        microscope};
             }};
 }
 
@@ -74,7 +82,9 @@ void ViewerTest::openWindow()
     window_.emplace([this] { return std::vector{source()}; }, QString(), *settings_);
     window_->show();
     window_->activateWindow();
-    ASSERT_TRUE(await([this] { return !widget<apps::LiveView>("live").image().isNull(); })) << told().toStdString();
+    ASSERT_TRUE(await([this] { return window_->session().frameSize().width() == settingsOfMicroscope_.width; }))
+        << told().toStdString();
+    ASSERT_TRUE(await([this] { return window_->session().source().microscope() != nullptr; }));
 }
 
 void ViewerTest::closeWindow()
@@ -113,9 +123,9 @@ QString ViewerTest::told()
     return message ? message->text + ' ' + message->remedy : QString();
 }
 
-double ViewerTest::distanceFromFocus() const
+double ViewerTest::distanceFromFocus()
 {
-    return std::abs(static_cast<double>(microscope_->position()) - microscope_->bestFocus());
+    return std::abs(static_cast<double>(microscope().position()) - microscope().bestFocus());
 }
 
 } // namespace tesmor::test

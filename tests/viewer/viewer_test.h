@@ -23,7 +23,7 @@ protected:
     void SetUp() override;
     void TearDown() override; // closes the window as a user does who wants to keep nothing
 
-    // Waits for the live image.
+    // Waits for the live image and its microscope.
     void openWindow();
     void closeWindow();
 
@@ -46,7 +46,12 @@ protected:
     // The bar above the image; empty when there is nothing to tell.
     QString told();
 
-    double distanceFromFocus() const; // motor steps
+    microscope::VirtualMicroscope& microscope()
+    {
+        return *window_->session().source().microscope();
+    }
+
+    double distanceFromFocus(); // motor steps
 
     template <class Condition>
     static bool await(Condition condition)
@@ -55,8 +60,8 @@ protected:
     }
 
     microscope::Settings settingsOfMicroscope_;
-    std::shared_ptr<microscope::VirtualMicroscope> microscope_; // of the last opening
     std::shared_ptr<std::atomic<bool>> unplugged_ = std::make_shared<std::atomic<bool>>(false);
+    std::shared_ptr<std::atomic<bool>> stalled_ = std::make_shared<std::atomic<bool>>(false);
     QTemporaryDir folder_;
     std::optional<QSettings> settings_;
     std::optional<apps::MainWindow> window_;

@@ -28,7 +28,7 @@ TEST_F(ViewerTest, AutofocusShowsItsCurveAndEndsInFocus)
     ASSERT_TRUE(await([&] { return curve.sampleCount() > 3; })); // while it runs, or at its end
     ASSERT_TRUE(awaitIdle());
 
-    EXPECT_LT(distanceFromFocus(), microscope_->depthOfField() / 2);
+    EXPECT_LT(distanceFromFocus(), microscope().depthOfField() / 2);
     EXPECT_LT(distanceFromFocus(), before);
     EXPECT_GT(curve.sampleCount(), 20);
     EXPECT_TRUE(widget<QLabel>("activity").text().startsWith("In focus"));
@@ -52,26 +52,26 @@ TEST_F(ViewerTest, StopEndsASearch)
 TEST_F(ViewerTest, KeysMoveTheFocusAndNeverMoreThanWasAsked)
 {
     openWindow();
-    const std::int64_t start = microscope_->position();
+    const std::int64_t start = microscope().position();
     const auto step = static_cast<std::int64_t>(120); // motor steps: a spacing unit of the objective
     for (int i = 0; i < 10; ++i)
         press(Qt::Key_Up);
     press(Qt::Key_PageDown);
     press(Qt::Key_PageUp);
     press(Qt::Key_Up);
-    ASSERT_TRUE(await([&] { return microscope_->position() == start + 11 * step; }));
+    ASSERT_TRUE(await([&] { return microscope().position() == start + 11 * step; }));
     ASSERT_TRUE(awaitIdle());
-    EXPECT_EQ(microscope_->position(), start + 11 * step);
+    EXPECT_EQ(microscope().position(), start + 11 * step);
 }
 
 TEST_F(ViewerTest, AStackFromFirstToLastIsFusedAndSaved)
 {
     openWindow();
-    const std::int64_t start = microscope_->position();
+    const std::int64_t start = microscope().position();
     click("setFirst");
     for (int i = 0; i < 3; ++i)
         press(Qt::Key_PageUp); // 3600 motor steps
-    ASSERT_TRUE(await([&] { return microscope_->position() == start + 3600; }));
+    ASSERT_TRUE(await([&] { return microscope().position() == start + 3600; }));
     click("setLast");
     widget<QSpinBox>("spacing").setValue(10);
     EXPECT_TRUE(widget<QLabel>("plan").text().startsWith("4 slices, 7.03 µm (3600 steps) deep"))
@@ -80,7 +80,7 @@ TEST_F(ViewerTest, AStackFromFirstToLastIsFusedAndSaved)
     click("capture");
     ASSERT_TRUE(awaitIdle());
     EXPECT_EQ(widget<apps::SliceStrip>("strip").sliceCount(), 4);
-    EXPECT_EQ(microscope_->position(), start + 3600) << "the focus is back where it was";
+    EXPECT_EQ(microscope().position(), start + 3600) << "the focus is back where it was";
     EXPECT_TRUE(window_->isWindowModified());
 
     press(Qt::Key_M);
@@ -111,7 +111,7 @@ TEST_F(ViewerTest, OneKeyFocusesCapturesAndFuses)
     auto& result = *window_->findChild<apps::ResultView*>();
     EXPECT_EQ(result.slices().size(), 5);
     EXPECT_FALSE(result.result().isNull());
-    EXPECT_LT(distanceFromFocus(), microscope_->depthOfField() / 2);
+    EXPECT_LT(distanceFromFocus(), microscope().depthOfField() / 2);
 
     press(Qt::Key_K); // would replace what is not saved
     auto* box = window_->findChild<QMessageBox*>("unsaved");
@@ -144,7 +144,10 @@ TEST_F(ViewerTest, RemembersObjectiveAndStack)
     openWindow();
     widget<QComboBox>("objective").setCurrentText("40×");
     widget<QSpinBox>("slices").setValue(33);
-    ASSERT_TRUE(await([&] { return microscope_ && microscope_->settings().magnification == 40; }));
+    ASSERT_TRUE(await([&] {
+        return window_->session().canFocus() && window_->session().source().microscope() &&
+               microscope().settings().magnification == 40;
+    }));
     closeWindow();
     openWindow();
     EXPECT_EQ(window_->session().magnification(), 40);

@@ -5,6 +5,12 @@
 
 namespace tesmor::apps {
 
+namespace {
+
+constexpr std::size_t UNSETTLED_MOVES = 2;
+
+} // namespace
+
 void FocusCurve::begin(std::optional<std::int64_t> start)
 {
     *this = {};
@@ -26,11 +32,11 @@ void FocusCurve::update(const std::vector<microscope::LoggedRequest>& requests, 
     }
 }
 
-// Only the move after it tells what the last move was for, and which frame it led to.
+// Only what follows tells what a move was for: the last two may be the way back, the last may have no frame yet.
 void FocusCurve::followTrace(const FocusTrace& trace, bool ended)
 {
     moves_ = static_cast<int>(trace.size());
-    const std::size_t settled = ended || trace.empty() ? trace.size() : trace.size() - 1;
+    const std::size_t settled = ended ? trace.size() : trace.size() - std::min(trace.size(), UNSETTLED_MOVES);
     for (std::size_t i = 0; i < settled; ++i) {
         phase_ = trace[i].phase;
         if (trace[i].sample)

@@ -24,7 +24,7 @@ public:
     //   start   the motor's position; none where the drive does not tell
     void begin(std::optional<std::int64_t> start);
 
-    // What has happened so far, or, when `ended`, all of it. Points that are there stay as they are until then.
+    // What has happened so far, or, when `ended`, all of it. Points that are there stay as they are.
     //   requests   of the drive, earlier ones too; empty where it does not tell
     void update(const std::vector<microscope::LoggedRequest>& requests, const std::vector<SeenFrame>& frames,
                 bool ended, bool found = false);

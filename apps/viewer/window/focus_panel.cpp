@@ -223,7 +223,6 @@ void FocusPanel::growCurve()
 
 void FocusPanel::endCurve(bool found)
 {
-    curve_->clear();
     growCurve();
     if (found && !session_.curve().isOverTime())
         curve_->setChosenPosition(placeInCurve(static_cast<double>(session_.position())));

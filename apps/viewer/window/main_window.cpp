@@ -71,6 +71,8 @@ MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSetti
 MainWindow::~MainWindow()
 {
     qApp->removeEventFilter(this);
+    disconnect(&session_, nullptr, nullptr, nullptr); // what it tells while it ends is for nobody
+    disconnect(&session_.source(), nullptr, nullptr, nullptr);
 }
 
 void MainWindow::build()

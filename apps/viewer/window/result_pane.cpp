@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -20,6 +21,22 @@ namespace {
 
 const char* const FOLDER_KEY = "folder";
 
+// Qt's own reads the beginning of each file on the window's thread, which lasts forever for some.
+class PlainFileIcons : public QFileIconProvider {
+public:
+    using QFileIconProvider::icon;
+
+    QIcon icon(const QFileInfo& info) const override
+    {
+        return icon(info.isDir() ? Folder : File);
+    }
+
+    QString type(const QFileInfo&) const override
+    {
+        return {};
+    }
+};
+
 QPushButton* makeButton(const QString& name, const QString& icon, const QString& text)
 {
     auto* button = new QPushButton(themedIcon(icon), text);
@@ -30,7 +47,7 @@ QPushButton* makeButton(const QString& name, const QString& icon, const QString&
 } // namespace
 
 ResultPane::ResultPane(QSettings& settings, QWidget* parent)
-    : QWidget(parent), settings_(settings), view_(new ResultView),
+    : QWidget(parent), settings_(settings), icons_(std::make_unique<PlainFileIcons>()), view_(new ResultView),
       saveResult_(makeButton("saveResult", "save", tr("Save …"))),
       saveSlices_(makeButton("saveSlices", "save", tr("Save slices …")))
 {
@@ -50,6 +67,8 @@ ResultPane::ResultPane(QSettings& settings, QWidget* parent)
     connect(saveSlices_, &QPushButton::clicked, this, &ResultPane::saveSlices);
     connect(close, &QPushButton::clicked, this, &ResultPane::closed);
 }
+
+ResultPane::~ResultPane() = default;
 
 void ResultPane::setImages(const QImage& result, const QList<QImage>& slices)
 {
@@ -106,6 +125,7 @@ void ResultPane::askForFile(const QString& title, const QString& filters, const 
     const QString folder = settings_.value(FOLDER_KEY, pictures).toString();
     auto* dialog = new QFileDialog(this, title, QFileInfo(folder).isDir() ? folder : QDir::homePath(), filters);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setIconProvider(icons_.get());
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setDefaultSuffix(QFileInfo(name).suffix());
     dialog->selectFile(QFileInfo(name).completeBaseName());

@@ -12,7 +12,9 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 
+class QFileIconProvider;
 class QPushButton;
 
 namespace tesmor::apps {
@@ -24,6 +26,7 @@ class ResultPane : public QWidget {
 
 public:
     explicit ResultPane(QSettings& settings, QWidget* parent = nullptr);
+    ~ResultPane() override;
 
     ResultView& view()
     {
@@ -66,6 +69,7 @@ private:
     void finishWriting(int version, const QString& file, const QString& failure);
 
     QSettings& settings_;
+    const std::unique_ptr<QFileIconProvider> icons_; // of the file dialog
     ResultView* view_;
     QPushButton* saveResult_;
     QPushButton* saveSlices_;
