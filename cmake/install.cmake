@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
-# What `cmake --install` puts where. Components: runtime (the library), development, command, drive, python.
+# What `cmake --install` puts where. Components: runtime (the library), development, command, drive, viewer, python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -54,6 +54,21 @@ if(TARGET tesmor_drive)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME tesmor-drive COMPONENT drive)
   install(FILES ${systemFiles}/tesmor-drive.service DESTINATION lib/systemd/user COMPONENT drive)
   install(FILES ${systemFiles}/70-tesmor-drive.rules DESTINATION lib/udev/rules.d COMPONENT drive)
+endif()
+
+if(TARGET tesmor_viewer)
+  set(desktopFiles ${PROJECT_SOURCE_DIR}/apps/viewer/desktop)
+  set_target_properties(tesmor_viewer PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  install(TARGETS tesmor_viewer RUNTIME COMPONENT viewer)
+  install(FILES ${desktopFiles}/tesmor-viewer.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT viewer)
+  install(FILES ${desktopFiles}/tesmor-viewer.desktop
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT viewer)
+  install(FILES ${desktopFiles}/org.tesmor.viewer.metainfo.xml
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT viewer)
+  install(FILES ${PROJECT_SOURCE_DIR}/apps/viewer/widgets/icons/tesmor-viewer.svg
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT viewer)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/viewer.md
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesmor-viewer COMPONENT viewer)
 endif()
 
 if(WIN32)

@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 # `cmake --build build/release --target package` makes, in the build's folder packages:
 #   for Debian: libtesmor0 (the library), libtesmor-dev (what a viewer's developer needs), tesmor (the command),
-#   tesmor-drive (the service for real motors), python3-tesmor (the Python module)
+#   tesmor-drive (the service for real motors), tesmor-viewer (the window), python3-tesmor (the Python module)
 #   for Windows: a zip with the DLL, its import library, the headers and FFTW's DLL
 set(CPACK_PACKAGE_NAME tesmor)
 set(CPACK_PACKAGE_VENDOR "The tesmor developers")
@@ -23,6 +23,9 @@ if(TARGET tesmor_command)
 endif()
 if(TARGET tesmor_drive)
   list(APPEND CPACK_COMPONENTS_ALL drive)
+endif()
+if(TARGET tesmor_viewer)
+  list(APPEND CPACK_COMPONENTS_ALL viewer)
 endif()
 if(TARGET tesmor_python)
   list(APPEND CPACK_COMPONENTS_ALL python)
@@ -63,6 +66,15 @@ set(CPACK_DEBIAN_DRIVE_PACKAGE_SUGGESTS "tesmor, indi-bin")
 set(CPACK_COMPONENT_DRIVE_DESCRIPTION
   "Turns a real focus motor for viewers of microscope cameras: a board that speaks
 G-code, a Sangaboard, an INDI focuser, or a camera's own controller on USB.")
+
+set(CPACK_DEBIAN_VIEWER_PACKAGE_NAME tesmor-viewer)
+set(CPACK_DEBIAN_VIEWER_PACKAGE_SECTION science)
+set(CPACK_DEBIAN_VIEWER_PACKAGE_RECOMMENDS
+  "tesmor-drive, qt6-wayland, qt6-gtk-platformtheme, gstreamer1.0-plugins-base, gstreamer1.0-plugins-good")
+set(CPACK_COMPONENT_VIEWER_DEPENDS runtime)
+set(CPACK_COMPONENT_VIEWER_DESCRIPTION
+  "Shows the live image of a microscope's camera, focuses with one click, captures
+focus stacks and fuses them into images that are sharp throughout.")
 
 if(TARGET tesmor_python)
   math(EXPR nextMinor "${Python_VERSION_MINOR} + 1")

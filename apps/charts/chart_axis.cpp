@@ -9,9 +9,9 @@ namespace tesmor::apps {
 namespace {
 
 // 1, 2 or 5 times a power of ten.
-double roundInterval(const Range& range)
+double roundInterval(const Range& range, int parts)
 {
-    const double rough = (range.high - range.low) / 4;
+    const double rough = (range.high - range.low) / parts;
     const double power = std::pow(10, std::floor(std::log10(rough)));
     const double digit = rough / power;
     return power * (digit < 2 ? 1 : digit < 5 ? 2 : 5);
@@ -39,9 +39,9 @@ QFont chartFont(double points, bool bold)
     return font;
 }
 
-void setAxisRange(QValueAxis* axis, const Range& range)
+void setAxisRange(QValueAxis* axis, const Range& range, int parts)
 {
-    const double interval = roundInterval(range);
+    const double interval = roundInterval(range, parts);
     const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(interval) + 1e-9)));
     axis->setLabelFormat(QString("%.%1f").arg(decimals));
     axis->setRange(range.low, range.high);

@@ -18,8 +18,9 @@ struct Range {
 
 QFont chartFont(double points, bool bold = false);
 
-// A new range for an axis made by makeAxis().
-void setAxisRange(QValueAxis* axis, const Range& range);
+// A new range for an axis made by makeAxis(), with at least so many parts between ticks at round numbers, and at most
+// twice as many and a half.
+void setAxisRange(QValueAxis* axis, const Range& range, int parts = 4);
 
 // With four to nine ticks at round numbers. It belongs to the chart that it is added to.
 QValueAxis* makeAxis(const QString& title, const Range& range);

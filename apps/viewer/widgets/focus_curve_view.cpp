@@ -42,6 +42,7 @@ FocusCurveView::FocusCurveView(QWidget* parent)
     setAccessibleName(tr("Focus curve"));
     setToolTip(tr("Sharpness over motor position during the search"));
     followPalette();
+    showRange();
 }
 
 void FocusCurveView::setPositionTitle(const QString& title)
@@ -101,10 +102,11 @@ void FocusCurveView::setChosenPosition(std::optional<double> position)
 void FocusCurveView::showRange()
 {
     constexpr double LEAST = 1e-3;
+    constexpr int PARTS = 2; // the view may be narrow, and its numbers long
     if (positions_ && positions_->high - positions_->low >= 1)
-        setAxisRange(positionAxis_, positions_->widened(0.05));
+        setAxisRange(positionAxis_, positions_->widened(0.05), PARTS);
     if (sharpness_ && sharpness_->high - sharpness_->low >= LEAST)
-        setAxisRange(sharpnessAxis_, sharpness_->widened(0.08));
+        setAxisRange(sharpnessAxis_, sharpness_->widened(0.08), PARTS);
     chosen_->clear();
     if (chosenPosition_)
         *chosen_ << QPointF(*chosenPosition_, sharpnessAxis_->min())

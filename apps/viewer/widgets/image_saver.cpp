@@ -13,11 +13,6 @@ namespace {
 
 constexpr double MICROMETRES_PER_METRE = 1e6;
 
-QString translate(const char* text)
-{
-    return QCoreApplication::translate("ImageSaver", text);
-}
-
 // 0 where the size of a pixel is not known.
 int dotsPerMetre(double micrometresPerPixel)
 {
@@ -28,12 +23,12 @@ int dotsPerMetre(double micrometresPerPixel)
 
 QString resultFilters()
 {
-    return translate(QT_TRANSLATE_NOOP("ImageSaver", "PNG image (*.png);;TIFF image (*.tif *.tiff)"));
+    return QCoreApplication::translate("ImageSaver", "PNG image (*.png);;TIFF image (*.tif *.tiff)");
 }
 
 QString slicesFilters()
 {
-    return translate(QT_TRANSLATE_NOOP("ImageSaver", "TIFF image of several pages (*.tif *.tiff)"));
+    return QCoreApplication::translate("ImageSaver", "TIFF image of several pages (*.tif *.tiff)");
 }
 
 void saveResult(const QString& file, const QImage& result, double micrometresPerPixel)

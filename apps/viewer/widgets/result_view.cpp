@@ -45,6 +45,7 @@ void ResultView::build()
     layout->addLayout(views, 1);
 
     auto* bar = new QHBoxLayout;
+    bar->setContentsMargins(4, 0, 8, 0);
     const struct {
         Comparison comparison;
         const char* icon;
