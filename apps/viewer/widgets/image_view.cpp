@@ -18,7 +18,6 @@ namespace {
 constexpr double KEY_FACTOR = 1.25;
 constexpr double WHEEL_FACTOR = 1.2;   // a notch
 constexpr double WHEEL_NOTCH = 120;    // of QWheelEvent::angleDelta
-constexpr double CRISP_FROM = 3;       // screen pixels per image pixel: above, pixels show as squares
 constexpr double MARK_MARGIN = 12;     // view pixels
 const QColor MARK_COLOUR(255, 196, 0); // as of a warning sign, on black
 
@@ -35,18 +34,27 @@ ImageView::ImageView(QWidget* parent) : QWidget(parent)
 
 void ImageView::setImage(const QImage& image)
 {
-    if (image.size() != image_.size()) {
+    if (image.size() != image_.image().size()) {
         geometry_.setImageSize(image.size());
         updateCursor();
     }
-    image_ = image;
-    drawn_ = QImage();
+    image_.set(image);
     update();
 }
 
 const QImage& ImageView::image() const
 {
-    return image_;
+    return image_.image();
+}
+
+void ImageView::setLive()
+{
+    isLive_ = true;
+}
+
+void ImageView::drawImage(QPainter& painter, DrawnImage& image) const
+{
+    image.draw(painter, geometry_.imageRect(), geometry_.scale() * devicePixelRatioF(), isLive_);
 }
 
 void ImageView::setPlaceholder(const QString& text)
@@ -146,13 +154,6 @@ void ImageView::updateCursor()
     setCursor(dragging_ ? Qt::ClosedHandCursor : canPan ? Qt::OpenHandCursor : Qt::ArrowCursor);
 }
 
-void ImageView::drawImage(QPainter& painter)
-{
-    const double pixels = geometry_.scale() * devicePixelRatioF();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, pixels < CRISP_FROM && pixels != 1);
-    painter.drawImage(geometry_.imageRect(), drawn_);
-}
-
 void ImageView::drawMarks(QPainter& painter, const QRectF& place)
 {
     painter.setRenderHint(QPainter::Antialiasing);
@@ -195,14 +196,12 @@ void ImageView::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Window).darker(isEnabled() ? 125 : 110));
-    if (image_.isNull()) {
+    if (image().isNull()) {
         painter.setPen(palette().color(QPalette::WindowText));
         painter.drawText(rect().adjusted(24, 24, -24, -24), Qt::AlignCenter | Qt::TextWordWrap, placeholder_);
         return;
     }
-    if (drawn_.isNull())
-        drawn_ = image_.convertToFormat(QImage::Format_RGB32); // drawing it in another format costs several times more
-    drawImage(painter);
+    drawImage(painter, image_);
     painter.save();
     drawOverlay(painter);
     painter.restore();
@@ -227,14 +226,14 @@ void ImageView::resizeEvent(QResizeEvent*)
 void ImageView::wheelEvent(QWheelEvent* event)
 {
     const double notches = event->angleDelta().y() / WHEEL_NOTCH;
-    if (!image_.isNull() && notches != 0)
+    if (!image().isNull() && notches != 0)
         scaleAround(event->position(), geometry_.scale() * std::pow(WHEEL_FACTOR, notches));
     event->accept();
 }
 
 void ImageView::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && !image_.isNull()) {
+    if (event->button() == Qt::LeftButton && !image().isNull()) {
         pressedAt_ = draggedFrom_ = event->position();
         dragging_ = false;
     }
@@ -254,7 +253,7 @@ void ImageView::mouseMoveEvent(QMouseEvent* event)
             emit zoomChanged(zoom());
         }
     }
-    const bool isOver = !image_.isNull() && geometry_.imageRect().contains(event->position());
+    const bool isOver = !image().isNull() && geometry_.imageRect().contains(event->position());
     emit pointerMoved(isOver ? std::optional(geometry_.toImage(event->position())) : std::nullopt);
 }
 
@@ -271,7 +270,7 @@ void ImageView::mouseReleaseEvent(QMouseEvent* event)
 
 void ImageView::mouseDoubleClickEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || image_.isNull() || clicked(geometry_.toImage(event->position())))
+    if (event->button() != Qt::LeftButton || image().isNull() || clicked(geometry_.toImage(event->position())))
         return;
     if (geometry_.zoom().fit)
         scaleAround(event->position(), actualScale());

@@ -3,9 +3,9 @@
 // source. What the live view and the views of a result have in common.
 #pragma once
 
+#include "viewer/widgets/drawn_image.h"
 #include "viewer/widgets/view_geometry.h"
 
-#include <QImage>
 #include <QWidget>
 
 #include <optional>
@@ -52,6 +52,12 @@ signals:
     void pointerMoved(std::optional<QPointF> imagePoint);
 
 protected:
+    // Its images follow each other quickly.
+    void setLive();
+
+    // Where this view's image lies.
+    void drawImage(QPainter& painter, DrawnImage& image) const;
+
     // Over the image, below caption, scale bar and mark.
     virtual void drawOverlay(QPainter& painter);
     // A click that was no drag. Returns true when it has been used.
@@ -72,12 +78,11 @@ protected:
 private:
     void scaleAround(QPointF viewPoint, double scale);
     double actualScale() const;
-    void drawImage(QPainter& painter);
     void drawMarks(QPainter& painter, const QRectF& place);
 
     ViewGeometry geometry_;
-    QImage image_;
-    QImage drawn_; // the same in the format that is drawn fastest; null until it is drawn
+    DrawnImage image_;
+    bool isLive_ = false;
     QString placeholder_;
     QString caption_;
     double micrometresPerPixel_ = 0;

@@ -20,7 +20,7 @@ void WipeView::moveEdge(double share)
 
 void WipeView::setOverlaid(const QImage& image, const QString& leftCaption, const QString& rightCaption)
 {
-    overlaid_ = image;
+    overlaid_.set(image);
     leftCaption_ = leftCaption;
     rightCaption_ = rightCaption;
     update();
@@ -29,17 +29,17 @@ void WipeView::setOverlaid(const QImage& image, const QString& leftCaption, cons
 bool WipeView::isNearEdge(QPointF viewPoint) const
 {
     constexpr double NEAR = 8; // view pixels
-    return !overlaid_.isNull() && std::abs(viewPoint.x() - edge_ * width()) <= NEAR;
+    return !overlaid_.image().isNull() && std::abs(viewPoint.x() - edge_ * width()) <= NEAR;
 }
 
 void WipeView::drawOverlay(QPainter& painter)
 {
-    if (overlaid_.isNull())
+    if (overlaid_.image().isNull())
         return;
     const double x = edge_ * width();
     painter.save();
     painter.setClipRect(QRectF(x, 0, width() - x, height()));
-    painter.drawImage(geometryOfImage().imageRect(), overlaid_);
+    drawImage(painter, overlaid_);
     painter.restore();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(QColor(0, 0, 0, 160), 4));
@@ -104,7 +104,7 @@ void WipeView::keyPressEvent(QKeyEvent* event)
 {
     constexpr double STEP = 0.05;
     const bool isLeft = event->key() == Qt::Key_Comma;
-    if (!overlaid_.isNull() && (isLeft || event->key() == Qt::Key_Period))
+    if (!overlaid_.image().isNull() && (isLeft || event->key() == Qt::Key_Period))
         moveEdge(edge_ + (isLeft ? -STEP : STEP));
     else
         ImageView::keyPressEvent(event);

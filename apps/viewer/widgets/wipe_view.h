@@ -27,7 +27,7 @@ private:
     void moveEdge(double share);
     bool isNearEdge(QPointF viewPoint) const;
 
-    QImage overlaid_;
+    DrawnImage overlaid_;
     QString leftCaption_;
     QString rightCaption_;
     double edge_ = 0.5; // as a share of the view's width
