@@ -69,6 +69,8 @@ if(TARGET tesmor_viewer)
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT viewer)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/viewer.md
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesmor-viewer COMPONENT viewer)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/images
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tesmor-viewer COMPONENT viewer FILES_MATCHING PATTERN "viewer-*.jpg")
 endif()
 
 if(WIN32)

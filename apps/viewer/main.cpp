@@ -7,6 +7,8 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 #include <cstdio>
 
@@ -20,6 +22,14 @@ int main(int argc, char** argv)
     QGuiApplication::setApplicationDisplayName("tesmor");
     QGuiApplication::setDesktopFileName("tesmor-viewer");
     QGuiApplication::setQuitOnLastWindowClosed(false);
+
+    // The texts of Qt's own dialogues, and ours.
+    QTranslator dialogues;
+    if (dialogues.load(QLocale(), "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(&dialogues);
+    QTranslator texts;
+    if (texts.load(QLocale(), "tesmor-viewer", "_", ":/translations"))
+        QCoreApplication::installTranslator(&texts);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(

@@ -6,8 +6,10 @@
 #include "viewer/widgets/result_view.h"
 #include "viewer/widgets/slice_strip.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -137,6 +139,25 @@ TEST_F(ViewerTest, AStoppedStackKeepsItsSlices)
     click("fuse");
     ASSERT_TRUE(awaitIdle());
     EXPECT_FALSE(window_->findChild<apps::ResultView*>()->result().isNull());
+}
+
+TEST_F(ViewerTest, TheRulerAsksForALengthOnlyToCalibrate)
+{
+    openWindow();
+    auto& live = widget<apps::LiveView>("live");
+    const auto measure = [&] {
+        QTest::mouseClick(&live, Qt::LeftButton, {}, {100, 100});
+        QTest::mouseClick(&live, Qt::LeftButton, {}, {300, 100});
+        return window_->findChild<QInputDialog*>();
+    };
+    press(Qt::Key_L);
+    EXPECT_EQ(measure(), nullptr);
+    window_->findChild<QAction*>("calibratePixels")->trigger();
+    QInputDialog* dialog = measure();
+    ASSERT_NE(dialog, nullptr);
+    dialog->setDoubleValue(50);
+    dialog->accept();
+    EXPECT_NEAR(live.micrometresPerPixel(), 50 / (200 / live.geometryOfImage().scale()), 1e-6);
 }
 
 TEST_F(ViewerTest, RemembersObjectiveAndStack)

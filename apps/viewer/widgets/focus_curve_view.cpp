@@ -6,7 +6,6 @@
 #include <QEvent>
 #include <QGraphicsLayout>
 #include <QLegend>
-#include <QLegendMarker>
 #include <QLineSeries>
 #include <QVBoxLayout>
 #include <QValueAxis>
@@ -111,8 +110,6 @@ void FocusCurveView::showRange()
     if (chosenPosition_)
         *chosen_ << QPointF(*chosenPosition_, sharpnessAxis_->min())
                  << QPointF(*chosenPosition_, sharpnessAxis_->max());
-    for (QLegendMarker* marker : chart_->legend()->markers(chosen_))
-        marker->setVisible(chosenPosition_.has_value());
 }
 
 void FocusCurveView::changeEvent(QEvent* event)

@@ -77,9 +77,12 @@ void ResultView::build()
     slider_->setTickInterval(1);
     slider_->setAccessibleName(tr("Slice"));
     slider_->setToolTip(tr("Which slice is shown"));
-    bar->addSpacing(12);
-    bar->addWidget(slider_, 1);
-    bar->addWidget(sliceLabel_);
+    bar->addStretch();
+    auto* choice = new QHBoxLayout;
+    choice->setContentsMargins(8, 0, 8, 0);
+    choice->addWidget(slider_, 1);
+    choice->addWidget(sliceLabel_);
+    layout->addLayout(choice);
     layout->addLayout(bar);
     resultView_->setAccessibleName(tr("Fused image"));
     sliceView_->setAccessibleName(tr("Slice"));

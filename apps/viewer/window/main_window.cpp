@@ -25,6 +25,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace tesmor::apps {
 
@@ -179,7 +180,13 @@ void MainWindow::connectParts()
         if (const auto act = std::exchange(afterSaving_, {}))
             act();
     });
-    connect(live_, &LiveView::rulerMeasured, this, &MainWindow::calibratePixels);
+    connect(live_, &LiveView::zoomChanged, &result_->view(), &ResultView::setZoom);
+    connect(&result_->view(), &ResultView::zoomChanged, live_, &LiveView::setZoom);
+    connect(live_, &LiveView::rulerMeasured, this, [this](double length) {
+        if (std::exchange(isCalibrating_, false))
+            calibratePixels(length);
+    });
+    connect(live_, &LiveView::rulerActiveChanged, this, [this] { isCalibrating_ = false; });
     connect(&second_, &QTimer::timeout, this, &MainWindow::showFrameRate);
     second_.start(SECOND_MS);
 }

@@ -112,6 +112,7 @@ private:
     QTimer second_;
     std::uint64_t framesBefore_ = 0; // a second ago
     bool wasOpened_ = false;         // a source, at the start
+    bool isCalibrating_ = false;     // the ruler's next length is a known one
     bool isClosing_ = false;
     bool mayClose_ = false;
     std::function<void()> afterSaving_;

@@ -7,6 +7,7 @@
 
 #include <QActionGroup>
 #include <QCoreApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -108,6 +109,11 @@ void MainWindow::buildViewMenu()
     ruler->setCheckable(true);
     connect(ruler, &QAction::toggled, live_, &LiveView::setRulerActive);
     connect(live_, &LiveView::rulerActiveChanged, ruler, &QAction::setChecked);
+    add(menu, "calibratePixels", {}, tr("Micrometres a &pixel …"), {}, [this] {
+        live_->setRulerActive(true);
+        isCalibrating_ = true;
+        activity_->setText(tr("Click on the two ends of something whose length you know."));
+    });
     add(menu, "calibrateTurn", {}, tr("Micrometres a &turn …"), {}, [this] { calibrateTurn(); });
     auto* pane = add(menu, "showResult", "result", tr("R&esult"), tr("E"), [] {});
     pane->setCheckable(true);
