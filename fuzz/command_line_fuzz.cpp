@@ -6,6 +6,7 @@
 #include "terminal/errors.h"
 #include "tesmor/subcommands.h"
 
+#include <QDir>
 #include <QImage>
 #include <QTemporaryDir>
 
@@ -20,7 +21,8 @@ namespace {
 void makeFolder()
 {
     static const QTemporaryDir folder;
-    fuzz::require(folder.isValid() && chdir(qPrintable(folder.path())) == 0, "a folder of our own");
+    const QString inner = folder.filePath("inner"); // so that even ".." is ours
+    fuzz::require(QDir().mkpath(inner) && chdir(qPrintable(inner)) == 0, "a folder of our own");
     qputenv("XDG_CACHE_HOME", folder.path().toLocal8Bit());
     QImage image(4, 3, QImage::Format_BGR888);
     image.fill(Qt::gray);

@@ -45,7 +45,7 @@ RangeChoice rangeChoiceOf(const QString& text)
         return {Kind::AUTO};
     if (text == "full")
         return {Kind::FULL};
-    static const QRegularExpression pattern("^([0-9]{1,5}),([0-9]{1,5})$");
+    static const QRegularExpression pattern(R"(^([0-9]{1,5}),([0-9]{1,5})\z)");
     const auto match = pattern.match(text);
     const DepthRange range = {match.captured(1).toInt(), match.captured(2).toInt()};
     if (!match.hasMatch() || range.low >= range.high || range.high > FULL_RANGE.high)

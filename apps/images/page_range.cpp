@@ -9,7 +9,7 @@ namespace tesmor::apps {
 
 PagedName pagedNameOf(const QString& text)
 {
-    static const QRegularExpression pattern(R"(^(.+)\[(?:([0-9]{1,9})|([0-9]{0,9})-([0-9]{0,9}))\]$)",
+    static const QRegularExpression pattern(R"(^(.+)\[(?:([0-9]{1,9})|([0-9]{0,9})-([0-9]{0,9}))\]\z)",
                                             QRegularExpression::DotMatchesEverythingOption);
     const auto match = pattern.match(text);
     if (!match.hasMatch())

@@ -128,9 +128,11 @@ DescribedFile TiffFile::describe()
 
 void TiffFile::requireSound(const ImageSource& page, bool complete) const
 {
-    if (!complete || messages_->cut)
-        throw UserError(QString("%1: damaged (%2); copy or save it again")
-                            .arg(page.name, messages_->error.isEmpty() ? "the end is missing" : messages_->error));
+    if (complete && !messages_->cut)
+        return;
+    const QString& error = messages_->error;
+    const QString reason = !error.isEmpty() ? error : messages_->cut ? "the end is missing" : "its sizes make no sense";
+    throw UserError(QString("%1: damaged (%2); copy or save it again").arg(page.name, reason));
 }
 
 void TiffFile::select(const ImageSource& page)

@@ -14,6 +14,8 @@ namespace tesmor::apps {
 
 namespace {
 
+constexpr tmsize_t MOST_BLOCK_BYTES = 1 << 28; // of a row or tile; only damaged files have larger ones
+
 // Samples as they lie in a file's row or tile.
 struct Block {
     std::vector<std::uint8_t> bytes;
@@ -58,7 +60,8 @@ bool readTiles(tiff* file, const SampleLayout& layout, QImage& image)
     TIFFGetField(file, TIFFTAG_TILEWIDTH, &width);
     TIFFGetField(file, TIFFTAG_TILELENGTH, &height);
     const tmsize_t size = TIFFTileSize(file);
-    if (size <= 0 || static_cast<std::size_t>(size) < bytesOf(layout, std::size_t{width} * height))
+    if (size <= 0 || size > MOST_BLOCK_BYTES ||
+        static_cast<std::size_t>(size) < bytesOf(layout, std::size_t{width} * height))
         return false;
     Block block{std::vector<std::uint8_t>(static_cast<std::size_t>(size)), {}, static_cast<int>(width), 0};
     for (; block.plane < (layout.apart ? layout.colours : 1); ++block.plane) {
@@ -79,7 +82,8 @@ bool readTiles(tiff* file, const SampleLayout& layout, QImage& image)
 bool readRows(tiff* file, const SampleLayout& layout, QImage& image)
 {
     const tmsize_t size = TIFFScanlineSize(file);
-    if (size <= 0 || static_cast<std::size_t>(size) < bytesOf(layout, static_cast<std::size_t>(image.width())))
+    if (size <= 0 || size > MOST_BLOCK_BYTES ||
+        static_cast<std::size_t>(size) < bytesOf(layout, static_cast<std::size_t>(image.width())))
         return false;
     Block block{std::vector<std::uint8_t>(static_cast<std::size_t>(size)), {}, image.width(), 0};
     for (; block.plane < (layout.apart ? layout.colours : 1); ++block.plane) {

@@ -30,8 +30,6 @@ BatchReport::BatchReport(Style style, const std::vector<BatchJob>& jobs)
 {
     for (const BatchJob& job : jobs)
         nameWidth_ = std::clamp(job.stack.size(), nameWidth_, WIDEST_NAME);
-    if (style_ == Style::TABLE)
-        printRow("stack", nameWidth_, "images", "pixels", "seconds", "result");
 }
 
 void BatchReport::addDone(const BatchJob& job, const QJsonObject& figures, std::optional<double> shift)
@@ -59,6 +57,8 @@ void BatchReport::add(const BatchJob& job, const QString& result, QJsonObject fi
     const double seconds = std::chrono::duration<double>(now - last_).count();
     last_ = now;
     if (style_ == Style::TABLE) {
+        if (done_ + skipped_ + static_cast<std::size_t>(failed_.size()) == 1)
+            printRow("stack", nameWidth_, "images", "pixels", "seconds", "result");
         const bool known = figures.contains("width");
         printRow(job.stack, nameWidth_, known ? QString::number(figures["images"].toInt()) : "",
                  known ? sizeText({figures["width"].toInt(), figures["height"].toInt()}) : "",

@@ -80,7 +80,7 @@ void Batch::announce(const StackPlan& plan)
     if (plan.memory <= announced_ || request_.quiet)
         return;
     announced_ = plan.memory;
-    printLine(QString("%1 take about %2 of memory, with the next stack read meanwhile")
+    printLine(QString("A stack of %1 takes about %2 of memory, with the next one read meanwhile")
                   .arg(planText(plan), memoryText(2 * plan.memory)));
 }
 
