@@ -136,7 +136,7 @@ void Batch::finishJob(const BatchJob& job, const StackPlan& plan, const LoadedSt
     try {
         writeOutputFile(job.output, image);
     } catch (const UserError& error) {
-        throw OutputLost(QString("%1, or make room and go on with --skip-existing").arg(error.what()));
+        throw OutputLost(QString("%1; then go on with --skip-existing").arg(error.what()));
     }
     for (const QString& name : stack.leftOut)
         report_.printError(name + ": left out; it cannot be aligned");
