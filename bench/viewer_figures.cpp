@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 // Prints what the viewer costs while somebody looks (processor time, frames that were not shown), and how long its
-// window's thread was held up during an autofocus, a stack and a fusion. ./bench/viewer runs it.
+// window's thread was held up during an autofocus, a stack and a fusion. Or what memory it holds in use. ./bench/viewer
+// runs it.
 #include "viewer/window/main_window.h"
 
 #include <QApplication>
@@ -8,13 +9,16 @@
 #include <QTemporaryDir>
 
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -188,11 +192,42 @@ void measureHoldUps(int times)
     measure("fusion", [](Session& session) { session.fuse(); });
 }
 
+double residentMegabytes()
+{
+    std::ifstream statistics("/proc/self/statm");
+    long long pages = 0;
+    statistics >> pages >> pages;
+    return static_cast<double>(pages) * static_cast<double>(sysconf(_SC_PAGESIZE)) * 1e-6;
+}
+
+// Focus, stack and fusion over and over; a line every minute.
+void watchMemory(int minutes)
+{
+    Viewer viewer(virtualSource());
+    QElapsedTimer time;
+    time.start();
+    int rounds = 0;
+    for (int minute = 1; minute <= minutes; ++minute) {
+        while (time.elapsed() < minute * 60'000LL) {
+            viewer.run([](Session& session) { session.focus(); });
+            viewer.run([](Session& session) { session.capture(planAround(SLICES, SPACING, session.magnification())); });
+            viewer.run([](Session& session) { session.fuse(); });
+            ++rounds;
+        }
+        std::printf("%3d minutes, %4d rounds: %.0f MB\n", minute, rounds, residentMegabytes());
+        std::fflush(stdout);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
+    if (argc > 2 && std::string_view(argv[1]) == "--memory") {
+        watchMemory(std::atoi(argv[2]));
+        return 0;
+    }
     const int seconds = argc > 1 ? std::atoi(argv[1]) : 60;
     measureView("width=1280,height=960", 30, seconds);
     measureView("width=2592,height=1944", 15, seconds);
