@@ -4,12 +4,11 @@
 #include "cameras/camera.h"
 #include "tesmor.h"
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -20,14 +19,10 @@ namespace {
 using namespace tesmor::cameras;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
+// Of all threads, in the program and in the system.
 double processorSeconds()
 {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
 struct Figures {
