@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// An image as a painter draws it fastest, and without moiré when it is made smaller.
+// An image as a painter draws it fastest: pixel for pixel of the screen, and without moiré when it is made smaller.
 #pragma once
 
 #include <QImage>
+#include <QRect>
 
 class QPainter;
 class QRectF;
@@ -14,14 +15,18 @@ public:
     void set(const QImage& image); // shares its pixels
     const QImage& image() const;
 
-    //   pixels   of the screen per image pixel, above 0
-    //   fast     the image is soon replaced: made smaller, it is drawn fast rather than smoothly
-    void draw(QPainter& painter, const QRectF& place, double pixels, bool fast);
+    //   place   of the whole image, in the painter's coordinates; to the nearest pixel of the screen when it is made
+    //           smaller
+    void draw(QPainter& painter, const QRectF& place);
 
 private:
+    void drawShrunk(QPainter& painter, const QRect& place, double ratio);
+    void drawEnlarged(QPainter& painter, const QRectF& place, double ratio);
+
     QImage image_;
-    QImage drawn_;     // null until it is drawn
-    double share_ = 1; // drawn_ of image_'s width and height
+    QImage drawn_; // null until it is drawn
+    QSize size_;   // of what drawn_ is a part
+    QRect part_;
 };
 
 } // namespace tesmor::apps

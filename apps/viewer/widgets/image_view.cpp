@@ -47,14 +47,9 @@ const QImage& ImageView::image() const
     return image_.image();
 }
 
-void ImageView::setLive()
-{
-    isLive_ = true;
-}
-
 void ImageView::drawImage(QPainter& painter, DrawnImage& image) const
 {
-    image.draw(painter, geometry_.imageRect(), geometry_.scale() * devicePixelRatioF(), isLive_);
+    image.draw(painter, geometry_.imageRect());
 }
 
 void ImageView::setPlaceholder(const QString& text)

@@ -52,9 +52,6 @@ signals:
     void pointerMoved(std::optional<QPointF> imagePoint);
 
 protected:
-    // Its images follow each other quickly.
-    void setLive();
-
     // Where this view's image lies.
     void drawImage(QPainter& painter, DrawnImage& image) const;
 
@@ -82,7 +79,6 @@ private:
 
     ViewGeometry geometry_;
     DrawnImage image_;
-    bool isLive_ = false;
     QString placeholder_;
     QString caption_;
     double micrometresPerPixel_ = 0;

@@ -30,7 +30,6 @@ void drawTwice(QPainter& painter, const QColor& colour, auto draw)
 
 LiveView::LiveView(QWidget* parent) : ImageView(parent)
 {
-    setLive();
     setAccessibleName(tr("Live image"));
 }
 
