@@ -9,8 +9,14 @@
 #include "viewer/widgets/message_bar.h"
 
 #include <QFileDialog>
+#include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSpinBox>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <utility>
 
 namespace tesmor::test {
 
@@ -65,16 +71,25 @@ TEST_F(ViewerTest, EachFaultOfTheDriveIsToldAndTheNextSearchWorks)
         microscope::Faults faults;
         const char* words;
     };
-    const Case cases[] = {{"refuses", {.refuseMoves = 5}, "does not respond"},
+    const Case cases[] = {{"refuses moves", {.refuseMoves = 5}, "does not respond"},
+                          {"refuses all", {.refuseRequests = 10}, "does not respond"},
+                          {"does not acknowledge", {.withholdAcknowledgements = 1}, "does not respond"},
+                          {"hangs", {.hangRequests = 1}, "does not respond"},
+                          {"hangs for good", {.hangRequests = 1000}, "does not answer"},
+                          {"talks rubbish", {.rubbishReplies = 1}, ""},
+                          {"takes its time", {.acknowledgementDelay = std::chrono::milliseconds(50)}, ""},
                           {"vanishes before a move", {.vanishAtRequest = true}, "No focus motor was found"},
+                          {"vanishes before its reply", {.vanishBeforeReply = true}, "No focus motor was found"},
                           {"vanishes in a move", {.vanishInMove = true}, "No focus motor was found"}};
     openWindow();
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         microscope().setFaults(c.faults);
         click("autofocus");
-        ASSERT_TRUE(await([&] { return told().contains(c.words); })) << told().toStdString();
         ASSERT_TRUE(awaitIdle());
+        ASSERT_TRUE(await([&] { return told().contains(c.words); })) << told().toStdString();
+        EXPECT_EQ(widget<QLabel>("activity").text().contains("has failed"), *c.words != 0);
+        microscope().setFaults({});
         EXPECT_FALSE(widget<apps::LiveView>("live").image().isNull()) << "everything else goes on";
 
         if (microscope().driveHasVanished())
@@ -90,13 +105,19 @@ TEST_F(ViewerTest, EachFaultOfTheDriveIsToldAndTheNextSearchWorks)
     }
 }
 
-TEST_F(ViewerTest, ADriveThatAnotherProgramHoldsIsTold)
+TEST_F(ViewerTest, ADriveThatAnotherProgramHoldsIsToldUntilItIsFree)
 {
     openWindow();
-    const DriveHolder holder(settingsOfMicroscope_.unit);
+    {
+        const DriveHolder holder(settingsOfMicroscope_.unit);
+        click("autofocus");
+        ASSERT_TRUE(await([&] { return told().contains("Another program is using the focus motor. Close it"); }))
+            << told().toStdString();
+    }
+    ASSERT_TRUE(await([&] { return told().isEmpty(); }));
     click("autofocus");
-    ASSERT_TRUE(await([&] { return told().contains("Another program is using the focus motor"); }))
-        << told().toStdString();
+    ASSERT_TRUE(awaitIdle());
+    EXPECT_EQ(told(), QString());
 }
 
 TEST_F(ViewerTest, AViewerLetsGoOfTheDriveAfterAMove)
@@ -125,7 +146,7 @@ TEST_F(ViewerTest, ClosesInTheMiddleOfAFusion)
     settingsOfMicroscope_.width = 1024;
     settingsOfMicroscope_.height = 768;
     openWindow();
-    widget<QSpinBox>("slices").setValue(20);
+    widget<QSpinBox>("slices").setValue(8);
     click("capture");
     ASSERT_TRUE(awaitIdle());
     click("fuse");
@@ -139,17 +160,36 @@ TEST_F(ViewerTest, AFileThatCannotBeWrittenIsToldAndNothingIsLost)
     widget<QSpinBox>("slices").setValue(3);
     press(Qt::Key_A);
     ASSERT_TRUE(awaitIdle());
-    for (const char* button : {"saveResult", "saveSlices"}) {
+    QFile old(folder_.filePath("old.tif"));
+    ASSERT_TRUE(old.open(QFile::WriteOnly) && old.write("old") == 3);
+    old.close();
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    for (const auto& [button, name] : {std::pair("saveResult", "nowhere/new.tif"),
+                                       {"saveSlices", "nowhere/new.tif"},
+                                       {"saveResult", "old.tif"},
+                                       {"saveSlices", "old.tif"}}) {
+        const rlimit full{QString("old.tif") == name ? 1000 : limit.rlim_cur,
+                          limit.rlim_max}; // bytes; as on a full disk
+        setrlimit(RLIMIT_FSIZE, &full);
         click(button);
         auto* dialog = window_->findChild<QFileDialog*>();
         ASSERT_NE(dialog, nullptr);
-        emit dialog->fileSelected(folder_.filePath("nowhere/result.tif"));
+        emit dialog->fileSelected(folder_.filePath(name));
         dialog->close();
-        ASSERT_TRUE(await([&] { return told().contains("nowhere"); })) << button;
+        ASSERT_TRUE(await([&] { return told().contains(name); })) << button << ": " << told().toStdString();
+        setrlimit(RLIMIT_FSIZE, &limit);
         EXPECT_TRUE(window_->isWindowModified());
         ASSERT_TRUE(await([&] { return window_->findChild<QFileDialog*>() == nullptr; }));
         window_->findChild<apps::MessageBar*>()->withdraw("save");
     }
+    EXPECT_EQ(QDir(folder_.path()).entryList({"*tif*"}, QDir::Files | QDir::Hidden), QStringList("old.tif"))
+        << "and nothing half written";
+    ASSERT_TRUE(old.open(QFile::ReadOnly));
+    EXPECT_EQ(old.readAll(), "old");
+    window_->close();
+    EXPECT_NE(window_->findChild<QMessageBox*>("unsaved"), nullptr);
 }
 
 } // namespace

@@ -21,6 +21,21 @@ public:
         return {Severity::INFORMATION, "command", text, {}, {}};
     }
 
+    static QString failed(Operation operation)
+    {
+        switch (operation) {
+        case Operation::FOCUS:
+            return tr("The autofocus has failed.");
+        case Operation::MOVE:
+            return tr("The move has failed.");
+        case Operation::STACK:
+            return tr("The stack is not complete.");
+        case Operation::FUSION:
+            break;
+        }
+        return tr("The fusion has failed.");
+    }
+
     static Message moveFailed()
     {
         return {Severity::ERROR,
@@ -103,6 +118,11 @@ std::optional<Message> textOf(Operation operation, std::int32_t result)
     default:
         return std::nullopt;
     }
+}
+
+QString textOfFailure(Operation operation)
+{
+    return Words::failed(operation);
 }
 
 // The library takes the lowest that is not foreign.

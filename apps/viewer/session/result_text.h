@@ -16,6 +16,9 @@ enum class Operation { FOCUS, MOVE, STACK, FUSION };
 // None for what needs no words.
 std::optional<Message> textOf(Operation operation, std::int32_t result);
 
+// For the status line; why it failed is textOf's to say.
+QString textOfFailure(Operation operation);
+
 // After TESMOR_MOVE_FAILED or TESMOR_NO_DRIVE, when all drives of the computer were looked up: says more where they
 // tell more.
 std::optional<Message> textOf(const std::vector<DriveUnit>& units);

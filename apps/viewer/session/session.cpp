@@ -17,6 +17,7 @@ namespace {
 
 constexpr int TICK_MS = 100;
 constexpr int DRIVE_RELEASE_MS = 3000; // so that another program can have the drive
+constexpr int DRIVE_WATCH_MS = 2000;
 
 } // namespace
 
@@ -25,8 +26,11 @@ Session::Session(std::uint16_t magnification) : magnification_(magnification)
     ticks_.setInterval(TICK_MS);
     driveRelease_.setInterval(DRIVE_RELEASE_MS);
     driveRelease_.setSingleShot(true);
+    driveWatch_.setInterval(DRIVE_WATCH_MS);
+    driveWatch_.setSingleShot(true);
     connect(&ticks_, &QTimer::timeout, this, &Session::tick);
     connect(&driveRelease_, &QTimer::timeout, &library_, &Library::releaseDrive);
+    connect(&driveWatch_, &QTimer::timeout, this, &Session::lookForDrives);
     connect(&library_, &Library::ended, this, &Session::end);
     connect(&library_, &Library::sliceCaptured, this, &Session::addSlice);
     connect(&library_, &Library::drivesFound, this, &Session::tellOfDrives);
@@ -39,6 +43,9 @@ void Session::open(const Source& source)
 {
     if (isBusy())
         stop();
+    emit withdrawn("camera");
+    emit withdrawn("drive");
+    driveFailure_.reset();
     source_.open(source, magnification_);
     losePosition();
 }
@@ -135,6 +142,7 @@ void Session::focusCaptureAndFuse(int slices, int spacing)
 void Session::stop()
 {
     moves_.clear();
+    whenIdle_ = {};
     if (!isBusy())
         return;
     steps_.resize(1);

@@ -170,7 +170,7 @@ private:
     void takeFrame();
     void followSource(LiveSource::State state, const QString& text);
     void tellOfDrives(const std::vector<DriveUnit>& units);
-    void tellOfDrive(Message message);
+    void lookForDrives();
     bool hasMemoryFor(const StackPlan& plan);
 
     Library library_;
@@ -191,9 +191,11 @@ private:
     QList<QImage> slices_;
     QImage fused_;
     QSize frameSize_;
+    std::optional<Message> driveFailure_; // not told yet: the drives are being looked up
     QElapsedTimer operationTime_;
     QTimer ticks_;        // while something runs
-    QTimer driveRelease_; // after the last manual move
+    QTimer driveRelease_; // after the last command
+    QTimer driveWatch_;   // while no drive can be had, as was told
     LiveSource source_;   // the first to go: its frames may still go to the library's callbacks
 };
 

@@ -27,8 +27,7 @@ void Session::end(std::int32_t result, const QImage& fused)
     const QString text = succeeded ? succeed(operation, fused) : fail(operation, result);
     emit moved();
     emit ended(operation, succeeded, text);
-    if (operation != Operation::FUSION)
-        driveRelease_.start();
+    driveRelease_.start();
     beginNext();
     if (isBusy())
         return;
@@ -73,14 +72,18 @@ QString Session::fail(Operation operation, std::int32_t result)
         losePosition();
     if (operation == Operation::FOCUS)
         emit curveEnded(false);
-    if (result == TESMOR_MOVE_FAILED || result == TESMOR_NO_DRIVE)
-        library_.findDrives();
     const auto message = textOf(operation, result);
     if (!message || source_.state() == LiveSource::State::LOST) // which was told already
         return {};
-    if (result != TESMOR_ABORTED) // which the user did, and wants no bar for
-        tellOfDrive(*message);
-    return message->text;
+    if (result == TESMOR_ABORTED) // which the user did, and wants no bar for
+        return message->text;
+    if (message->topic == "drive") {
+        driveFailure_ = message;
+        library_.findDrives();
+    } else {
+        emit told(*message);
+    }
+    return textOfFailure(operation);
 }
 
 // Where the focus is now, only a drive that tells its position knows.
@@ -151,21 +154,28 @@ void Session::followSource(LiveSource::State state, const QString& text)
     emit changed();
 }
 
-// After a failure: the general words are there already.
+// After a failure, which is told in the words of whoever knows more of it; then again until a drive answers.
 void Session::tellOfDrives(const std::vector<DriveUnit>& units)
 {
-    if (const auto message = textOf(units))
-        tellOfDrive(*message);
+    const auto message = textOf(units);
+    if (const auto failure = std::exchange(driveFailure_, {})) {
+        Message news = message.value_or(*failure);
+        if (units.empty() && source_.source().isSimulated) { // its drive comes back with it
+            news.remedy = tr("Reconnect the virtual microscope, and try again.");
+            news.action = tr("Reconnect");
+        }
+        emit told(news);
+    } else if (!message) {
+        emit withdrawn("drive");
+    }
+    if (message)
+        driveWatch_.start();
 }
 
-// The drive of a simulated source comes back with it.
-void Session::tellOfDrive(Message message)
+void Session::lookForDrives()
 {
-    if (source_.source().isSimulated && message.topic == "drive") {
-        message.remedy = tr("Reconnect the virtual microscope, and try again.");
-        message.action = tr("Reconnect");
-    }
-    emit told(message);
+    if (!isBusy())
+        library_.findDrives();
 }
 
 } // namespace tesmor::apps
