@@ -178,10 +178,16 @@ QString StackPanel::textOfPlan() const
     QString text = tr("%n slices", nullptr, stack->slices) + ", " +
                    tr("%1 deep").arg(lengthText(static_cast<double>(stack->depth()))) + ", " +
                    tr("%1 apart").arg(lengthText(static_cast<double>(std::abs(stack->stepsPerSlice())))) + "; " +
-                   tr("about %1").arg(durationText(std::chrono::duration<double>(session_.pace().secondsFor(*stack))));
+                   timeText(session_.pace().secondsFor(*stack));
     if (!session_.frameSize().isEmpty())
         text += ", " + memoryText(memoryOf(*stack, session_.frameSize()));
     return text;
+}
+
+QString StackPanel::timeText(double seconds)
+{
+    return seconds < 1 ? tr("less than a second")
+                       : tr("about %1").arg(durationText(std::chrono::duration<double>(seconds)));
 }
 
 QString StackPanel::lengthText(double steps) const

@@ -46,6 +46,7 @@ private:
     void showState();
     void showEnd(QLabel* label, std::optional<std::int64_t> end);
     QString textOfPlan() const;
+    static QString timeText(double seconds);
     QString lengthText(double steps) const;
 
     Session& session_;
