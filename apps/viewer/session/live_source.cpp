@@ -45,11 +45,9 @@ void LiveSource::findSources(const SourceFinder& find)
 
 void LiveSource::setControl(cameras::Control control, double value)
 {
-    thread_.post([this, control, value, number = number_] {
-        if (!camera_)
-            return;
-        camera_->setControl(control, value);
-        readControls(number);
+    thread_.post([this, control, value] {
+        if (camera_)
+            camera_->setControl(control, value);
     });
 }
 

@@ -42,6 +42,7 @@ public:
     // Looks for sources; `sourcesFound` follows within a few seconds.
     void findSources(const SourceFinder& find);
 
+    // Takes effect within a tenth of a second or the time of a frame.
     void setControl(cameras::Control control, double value);
 
     // Asks the camera for what it tells of its controls now; `controlsChanged` follows.

@@ -5,6 +5,7 @@
 #include "viewer/session/live_source.h"
 
 #include <QGroupBox>
+#include <QTimer>
 
 class QDoubleSpinBox;
 class QFormLayout;
@@ -18,12 +19,14 @@ public:
     CameraPanel(LiveSource& source, QWidget* parent = nullptr);
 
 private:
+    void set(cameras::Control control, double value);
     void showControls();
 
     LiveSource& source_;
     QFormLayout* form_;
     QDoubleSpinBox* exposure_; // milliseconds
     QDoubleSpinBox* gain_;
+    QTimer settling_; // until the camera has had time to take a value
 };
 
 } // namespace tesmor::apps
