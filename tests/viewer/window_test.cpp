@@ -7,8 +7,10 @@
 #include "viewer/widgets/slice_strip.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QImageReader>
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
@@ -66,6 +68,31 @@ TEST_F(ViewerTest, KeysMoveTheFocusAndNeverMoreThanWasAsked)
     EXPECT_EQ(microscope().position(), start + 11 * step);
 }
 
+TEST_F(ViewerTest, AHeldKeyStopsTheFocusWhenItIsLetGo)
+{
+    openWindow();
+    const std::int64_t start = microscope().position(), step = 120;
+    const auto repeat = [&](QEvent::Type type = QEvent::KeyPress, bool repeated = true) {
+        QKeyEvent event(type, Qt::Key_Up, {}, {}, repeated);
+        QApplication::sendEvent(QApplication::focusWidget(), &event);
+    };
+    repeat(QEvent::KeyPress, false);
+    for (int i = 0; i < 1000; ++i) // while the motor turns
+        repeat();
+    repeat(QEvent::KeyRelease, false);
+    ASSERT_TRUE(awaitIdle());
+    EXPECT_EQ(microscope().position(), start + step);
+
+    ASSERT_TRUE(await([&] {
+        repeat();
+        return microscope().position() > start + 50 * step;
+    }));
+    const std::int64_t whenLetGo = microscope().position();
+    repeat(QEvent::KeyRelease, false);
+    ASSERT_TRUE(awaitIdle());
+    EXPECT_LE(microscope().position(), whenLetGo + 8 * step) << "the rest of the move in hand";
+}
+
 TEST_F(ViewerTest, AStackFromFirstToLastIsFusedAndSaved)
 {
     openWindow();
@@ -92,13 +119,23 @@ TEST_F(ViewerTest, AStackFromFirstToLastIsFusedAndSaved)
     EXPECT_EQ(result.slices().size(), 4);
     ASSERT_EQ(result.result().size(), QSize(256, 192));
 
-    press(Qt::Key_S, Qt::ControlModifier);
-    auto* dialog = window_->findChild<QFileDialog*>();
-    ASSERT_NE(dialog, nullptr);
-    dialog->setDirectory(folder_.path());
-    dialog->selectFile("mine.png");
-    QMetaObject::invokeMethod(dialog, "accept");
+    for (const auto& [modifier, name] : {std::pair(Qt::NoModifier, "mine.png"), {Qt::ShiftModifier, "mine.tif"}}) {
+        window_->activateWindow(); // again, after the dialog
+        ASSERT_TRUE(await([&] { return window_->isActiveWindow(); }));
+        EXPECT_TRUE(window_->isWindowModified());
+        press(Qt::Key_S, Qt::ControlModifier | modifier);
+        auto* dialog = window_->findChild<QFileDialog*>();
+        ASSERT_NE(dialog, nullptr);
+        dialog->setDirectory(folder_.path());
+        dialog->selectFile(name);
+        QMetaObject::invokeMethod(dialog, "accept");
+        ASSERT_TRUE(await([&] { return QFile::exists(folder_.filePath(name)); }));
+        ASSERT_TRUE(await([&] { return window_->findChild<QFileDialog*>() == nullptr; }));
+    }
     ASSERT_TRUE(await([&] { return !window_->isWindowModified(); }));
+    QImageReader slices(folder_.filePath("mine.tif"));
+    EXPECT_EQ(slices.imageCount(), 4);
+    EXPECT_EQ(slices.read().convertedTo(QImage::Format_BGR888), result.slices().first());
     const QImage saved(folder_.filePath("mine.png"));
     EXPECT_EQ(saved.convertedTo(QImage::Format_BGR888), result.result());
     EXPECT_NEAR(saved.dotsPerMeterX(), 1e6 / (3.45 / 10 * 1280 / 256), 1);

@@ -178,7 +178,7 @@ void MainWindow::connectParts()
         messages_->withdraw("save");
         activity_->setText(tr("Saved as %1.").arg(file));
         if (const auto act = std::exchange(afterSaving_, {}))
-            act();
+            afterUnsaved(act);
     });
     connect(live_, &LiveView::zoomChanged, &result_->view(), &ResultView::setZoom);
     connect(&result_->view(), &ResultView::zoomChanged, live_, &LiveView::setZoom);

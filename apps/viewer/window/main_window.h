@@ -85,6 +85,8 @@ private:
     void saveSettings();
     void showAbout();
 
+    bool hasUnsaved() const;
+
     // Does it, unless the user wants to keep what is unsaved; saves that first if he likes.
     void afterUnsaved(const std::function<void()>& act);
 

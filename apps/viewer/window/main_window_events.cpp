@@ -16,6 +16,7 @@
 #include <QAbstractSpinBox>
 #include <QActionGroup>
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QInputDialog>
@@ -37,6 +38,7 @@ namespace tesmor::apps {
 namespace {
 
 constexpr int COARSE = 10; // fine steps
+constexpr const char* ASK_FOR_SLICES = "askForSlices";
 
 // Its own keys are worth more than moving the focus.
 bool usesArrows(const QWidget* widget)
@@ -100,8 +102,6 @@ void MainWindow::open(const Source& source)
     wasOpened_ = true;
     for (QAction* action : sources_->actions())
         action->setChecked(action->data() == source.name);
-    messages_->withdraw("camera");
-    messages_->withdraw("drive");
     session_.open(source);
 }
 
@@ -124,7 +124,7 @@ void MainWindow::showState()
     findChild<QAction*>("actionSave")->setEnabled(!result_->view().result().isNull());
     findChild<QAction*>("actionSaveSlices")->setEnabled(!result_->view().slices().isEmpty());
     findChild<QAction*>("reconnect")->setEnabled(wasOpened_);
-    setWindowModified(result_->hasUnsaved());
+    setWindowModified(hasUnsaved());
     if (session_.isBusy())
         showActivity();
 }
@@ -233,7 +233,7 @@ void MainWindow::obey(const QString& topic)
     if (topic == "camera" || topic == "drive")
         session_.reconnect();
     else if (topic == "save")
-        result_->save();
+        result_->saveAgain();
 }
 
 void MainWindow::loadCalibration()
@@ -284,16 +284,33 @@ void MainWindow::calibrateTurn()
     });
 }
 
+// Who has a fused image that is saved may not want to be asked about its slices.
+bool MainWindow::hasUnsaved() const
+{
+    return result_->hasUnsavedResult() ||
+           (result_->hasUnsavedSlices() &&
+            (result_->view().result().isNull() || settings_.value(ASK_FOR_SLICES, true).toBool()));
+}
+
 void MainWindow::afterUnsaved(const std::function<void()>& act)
 {
-    if (!result_->hasUnsaved())
+    if (!hasUnsaved())
         return act();
-    auto* box = new QMessageBox(QMessageBox::Question, tr("Not saved"),
-                                tr("The last result has not been saved. Do you want to save it?"),
+    const bool hasResult = !result_->view().result().isNull();
+    const QString text = !result_->hasUnsavedResult() ? tr("The slices have not been saved. Do you want to save them?")
+                         : result_->hasUnsavedSlices()
+                             ? tr("Neither the fused image nor its slices have been saved. Do "
+                                  "you want to save the fused image?")
+                             : tr("The fused image has not been saved. Do you want to save it?");
+    auto* box = new QMessageBox(QMessageBox::Question, tr("Not saved"), text,
                                 QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
     box->setObjectName("unsaved");
     box->setAttribute(Qt::WA_DeleteOnClose);
-    connect(box, &QMessageBox::finished, this, [this, act](int answer) {
+    if (hasResult && !result_->hasUnsavedResult())
+        box->setCheckBox(new QCheckBox(tr("Do not ask again when only slices are not saved")));
+    connect(box, &QMessageBox::finished, this, [this, act, box](int answer) {
+        if (box->checkBox() != nullptr && box->checkBox()->isChecked() && answer != QMessageBox::Cancel)
+            findChild<QAction*>("askForSlices")->setChecked(false);
         if (answer == QMessageBox::Discard) {
             result_->forgetImages();
             act();

@@ -51,6 +51,13 @@ void MainWindow::buildFileMenu()
         [this] { result_->saveResult(); });
     add(menu, "actionSaveSlices", "save", tr("Save the s&lices …"), tr("Ctrl+Shift+S"),
         [this] { result_->saveSlices(); });
+    auto* ask = add(menu, "askForSlices", {}, tr("As&k before slices are lost"), {}, [] {});
+    ask->setCheckable(true);
+    ask->setChecked(settings_.value("askForSlices", true).toBool());
+    connect(ask, &QAction::toggled, this, [this](bool asks) {
+        settings_.setValue("askForSlices", asks);
+        showState();
+    });
     menu->addSeparator();
     add(menu, "quit", {}, tr("&Quit"), QKeySequence::Quit, [this] { close(); });
 }

@@ -15,6 +15,8 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace tesmor::apps {
 
 namespace {
@@ -36,6 +38,12 @@ public:
         return {};
     }
 };
+
+// The very same, not equal ones.
+bool areSame(const QList<QImage>& images, const QList<QImage>& others)
+{
+    return std::ranges::equal(images, others, {}, &QImage::cacheKey, &QImage::cacheKey);
+}
 
 QPushButton* makeButton(const QString& name, const QString& icon, const QString& text)
 {
@@ -72,11 +80,13 @@ ResultPane::~ResultPane() = default;
 
 void ResultPane::setImages(const QImage& result, const QList<QImage>& slices)
 {
+    if (!areSame(slices, view_->slices()))
+        slices_ = {!slices.isEmpty(), slices_.version + 1};
+    if (!areSame({result}, {view_->result()}))
+        result_ = {!result.isNull(), result_.version + 1};
     view_->setImages(result, slices);
     saveResult_->setEnabled(!result.isNull());
     saveSlices_->setEnabled(!slices.isEmpty());
-    isUnsaved_ = !result.isNull() || !slices.isEmpty();
-    ++version_;
     emit changed();
 }
 
@@ -93,7 +103,15 @@ void ResultPane::setMicrometresPerPixel(double micrometres)
 
 void ResultPane::save()
 {
-    if (view_->result().isNull())
+    if (result_.isUnsaved)
+        saveResult();
+    else
+        saveSlices();
+}
+
+void ResultPane::saveAgain()
+{
+    if (failed_ == &slices_)
         saveSlices();
     else
         saveResult();
@@ -103,7 +121,7 @@ void ResultPane::saveResult()
 {
     if (view_->result().isNull())
         return;
-    askForFile(tr("Save the fused image"), resultFilters(), tr("fused.png"),
+    askForFile(tr("Save the fused image"), resultFilters(), tr("fused.png"), result_,
                [image = view_->result(), size = micrometresPerPixel_](const QString& file) {
                    apps::saveResult(file, image, size);
                });
@@ -113,13 +131,14 @@ void ResultPane::saveSlices()
 {
     if (view_->slices().isEmpty())
         return;
-    askForFile(tr("Save the slices"), slicesFilters(), tr("slices.tif"),
+    askForFile(tr("Save the slices"), slicesFilters(), tr("slices.tif"), slices_,
                [slices = view_->slices(), size = micrometresPerPixel_](const QString& file) {
                    apps::saveSlices(file, slices, size);
                });
 }
 
-void ResultPane::askForFile(const QString& title, const QString& filters, const QString& name, const Writer& write)
+void ResultPane::askForFile(const QString& title, const QString& filters, const QString& name, Saved& what,
+                            const Writer& write)
 {
     const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     const QString folder = settings_.value(FOLDER_KEY, pictures).toString();
@@ -131,19 +150,17 @@ void ResultPane::askForFile(const QString& title, const QString& filters, const 
     dialog->selectFile(QFileInfo(name).completeBaseName());
     connect(dialog, &QFileDialog::filterSelected, dialog,
             [dialog](const QString& filter) { dialog->setDefaultSuffix(filter.contains("*.png") ? "png" : "tif"); });
-    connect(dialog, &QFileDialog::fileSelected, this, [this, write](const QString& file) {
+    connect(dialog, &QFileDialog::fileSelected, this, [this, &what, write](const QString& file) {
         settings_.setValue(FOLDER_KEY, QFileInfo(file).path());
-        writeFile(file, write);
+        writeFile(file, what, write);
     });
     connect(dialog, &QFileDialog::rejected, this, &ResultPane::notSaved);
     dialog->open();
 }
 
-void ResultPane::writeFile(const QString& file, const Writer& write)
+void ResultPane::writeFile(const QString& file, Saved& what, const Writer& write)
 {
-    ++saving_;
-    emit changed();
-    writer_.post([this, file, write, version = version_] {
+    writer_.post([this, &what, file, write, version = what.version] {
         QString failure;
         try {
             write(file);
@@ -151,19 +168,20 @@ void ResultPane::writeFile(const QString& file, const Writer& write)
             failure = QString::fromUtf8(error.what());
         }
         QMetaObject::invokeMethod(
-            this, [this, version, file, failure] { finishWriting(version, file, failure); }, Qt::QueuedConnection);
+            this, [this, &what, version, file, failure] { finishWriting(what, version, file, failure); },
+            Qt::QueuedConnection);
     });
 }
 
-void ResultPane::finishWriting(int version, const QString& file, const QString& failure)
+void ResultPane::finishWriting(Saved& what, int version, const QString& file, const QString& failure)
 {
-    --saving_;
     if (!failure.isEmpty()) {
+        failed_ = &what;
         emit notSaved();
         emit told({Severity::ERROR, "save", tr("Not saved: %1.").arg(failure), {}, tr("Save as …")});
     } else {
-        if (version == version_)
-            isUnsaved_ = false;
+        if (version == what.version)
+            what.isUnsaved = false;
         emit saved(file);
     }
     emit changed();

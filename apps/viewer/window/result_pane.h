@@ -33,26 +33,27 @@ public:
         return *view_;
     }
 
-    // They count as unsaved until either is saved. A null result: the slices alone.
+    // What was not there before counts as unsaved. A null result: the slices alone.
     void setImages(const QImage& result, const QList<QImage>& slices);
     void forgetImages();
 
     void setMicrometresPerPixel(double micrometres); // 0: not known
 
-    bool hasUnsaved() const
+    bool hasUnsavedResult() const
     {
-        return isUnsaved_;
+        return result_.isUnsaved;
     }
 
-    bool isSaving() const
+    bool hasUnsavedSlices() const
     {
-        return saving_ > 0;
+        return slices_.isUnsaved;
     }
 
     // Ask for the file.
     void saveResult();
     void saveSlices();
-    void save(); // the result, or without one the slices
+    void save();      // what is unsaved: the result first
+    void saveAgain(); // what could not be saved
 
 signals:
     void saved(const QString& file);
@@ -64,9 +65,15 @@ signals:
 private:
     using Writer = std::function<void(const QString& file)>; // throws UserError
 
-    void askForFile(const QString& title, const QString& filters, const QString& name, const Writer& write);
-    void writeFile(const QString& file, const Writer& write);
-    void finishWriting(int version, const QString& file, const QString& failure);
+    struct Saved {
+        bool isUnsaved = false;
+        int version = 0; // what is saved late may not be what is shown
+    };
+
+    void askForFile(const QString& title, const QString& filters, const QString& name, Saved& what,
+                    const Writer& write);
+    void writeFile(const QString& file, Saved& what, const Writer& write);
+    void finishWriting(Saved& what, int version, const QString& file, const QString& failure);
 
     QSettings& settings_;
     const std::unique_ptr<QFileIconProvider> icons_; // of the file dialog
@@ -74,10 +81,10 @@ private:
     QPushButton* saveResult_;
     QPushButton* saveSlices_;
     double micrometresPerPixel_ = 0;
-    bool isUnsaved_ = false;
-    int version_ = 0; // of the images: what is saved late may not be what is shown
-    int saving_ = 0;
-    CommandThread writer_; // the first to go
+    Saved result_;
+    Saved slices_;
+    const Saved* failed_ = nullptr; // the last that could not be saved
+    CommandThread writer_;          // the first to go
 };
 
 } // namespace tesmor::apps
