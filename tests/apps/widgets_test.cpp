@@ -3,9 +3,9 @@
 #include "terminal/errors.h"
 #include "viewer/widgets/image_saver.h"
 #include "viewer/widgets/live_view.h"
-#include "viewer/widgets/message_bar.h"
 #include "viewer/widgets/result_view.h"
 #include "viewer/widgets/scale_bar.h"
+#include "viewer/window/message_bar.h"
 
 #include <QApplication>
 #include <QDir>

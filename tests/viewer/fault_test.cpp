@@ -6,7 +6,7 @@
 #include "protocol/drive_request.h"
 #include "protocol/drive_socket.h"
 #include "viewer/widgets/live_view.h"
-#include "viewer/widgets/message_bar.h"
+#include "viewer/window/message_bar.h"
 
 #include <QFileDialog>
 #include <QLabel>

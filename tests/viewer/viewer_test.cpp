@@ -3,7 +3,7 @@
 
 #include "cameras/virtual/virtual_device.h"
 #include "viewer/widgets/live_view.h"
-#include "viewer/widgets/message_bar.h"
+#include "viewer/window/message_bar.h"
 
 #include <QApplication>
 #include <QMessageBox>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "host/drive_units.h"
-#include "viewer/widgets/message_queue.h"
+#include "viewer/session/message_queue.h"
 
 #include <cstdint>
 #include <optional>

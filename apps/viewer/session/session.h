@@ -9,10 +9,10 @@
 #include "viewer/session/focus_curve.h"
 #include "viewer/session/library.h"
 #include "viewer/session/live_source.h"
+#include "viewer/session/message_queue.h"
 #include "viewer/session/move_queue.h"
 #include "viewer/session/result_text.h"
 #include "viewer/session/stack_plan.h"
-#include "viewer/widgets/message_queue.h"
 
 #include <QElapsedTimer>
 #include <QObject>

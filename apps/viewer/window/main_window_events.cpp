@@ -4,10 +4,10 @@
 #include "host/focus_units.h"
 #include "terminal/text.h"
 #include "viewer/widgets/live_view.h"
-#include "viewer/widgets/message_bar.h"
 #include "viewer/widgets/result_view.h"
 #include "viewer/widgets/slice_strip.h"
 #include "viewer/window/focus_panel.h"
+#include "viewer/window/message_bar.h"
 #include "viewer/window/result_pane.h"
 #include "viewer/window/stack_panel.h"
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "viewer/session/command_thread.h"
-#include "viewer/widgets/message_queue.h"
+#include "viewer/session/message_queue.h"
 
 #include <QImage>
 #include <QList>

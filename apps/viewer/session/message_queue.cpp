@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "viewer/widgets/message_queue.h"
+#include "viewer/session/message_queue.h"
 
 #include <algorithm>
 

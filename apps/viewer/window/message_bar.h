@@ -3,7 +3,7 @@
 // nothing to tell.
 #pragma once
 
-#include "viewer/widgets/message_queue.h"
+#include "viewer/session/message_queue.h"
 
 #include <QFrame>
 

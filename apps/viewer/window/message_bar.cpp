@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "viewer/widgets/message_bar.h"
+#include "viewer/window/message_bar.h"
 
 #include "viewer/widgets/style.h"
 
