@@ -10,10 +10,10 @@ void FrameTap::receive(const cameras::Frame& frame)
 {
     const auto arrival = cameras::Clock::now();
     tesmor_video(frame.pixels, frame.width, frame.height);
+    const double sharpness = contrastOf(frame.pixels, frame.width, frame.height, magnification_);
+    sharpness_ = sharpness; // before the window takes the frame and asks for it
     if (slot_.put(frame))
         frameWaits_();
-    const double sharpness = contrastOf(frame.pixels, frame.width, frame.height, magnification_);
-    sharpness_ = sharpness;
     ++frameCount_;
     const std::lock_guard lock(mutex_);
     if (isRecording_)
