@@ -17,7 +17,7 @@ using namespace tesmor::apps;
 
 namespace {
 
-constexpr QSize SIZE(1360, 900);
+constexpr QSize USUAL_SIZE(1360, 900);
 constexpr int QUALITY = 92;
 constexpr qint64 LIMIT_MS = 120'000;
 
@@ -117,14 +117,14 @@ int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
     if (argc < 2) {
-        std::fprintf(stderr, "usage: viewer_pictures FOLDER [FORMAT]\n");
+        std::fprintf(stderr, "usage: viewer_pictures FOLDER [FORMAT [WIDTH HEIGHT]]\n");
         return 2;
     }
     const QTemporaryDir folder;
     QSettings settings(folder.filePath("settings.ini"), QSettings::IniFormat);
     setAppearance(Appearance::LIGHT);
     MainWindow window([] { return std::vector{virtualSource()}; }, {}, settings);
-    window.resize(SIZE);
+    window.resize(argc > 4 ? QSize(std::atoi(argv[3]), std::atoi(argv[4])) : USUAL_SIZE);
     window.show();
     takeAll(window, Photographer(window, argv[1], argc > 2 ? argv[2] : "jpg"));
     window.session().shutDown();

@@ -5,23 +5,33 @@
 #include <QChartView>
 #include <QEvent>
 #include <QGraphicsLayout>
+#include <QLabel>
 #include <QLegend>
 #include <QLineSeries>
-#include <QVBoxLayout>
+#include <QStackedLayout>
 #include <QValueAxis>
 
 #include <algorithm>
 
 namespace tesmor::apps {
 
+namespace {
+
+constexpr int LOW = 180; // pixels: below, the curve needs what the legend takes
+
+} // namespace
+
 FocusCurveView::FocusCurveView(QWidget* parent)
     : QWidget(parent), chart_(new QChart), view_(new QChartView(chart_)),
+      nothing_(new QLabel(tr("An autofocus draws its curve here."))),
       positionAxis_(makeAxis(tr("motor position (steps)"), {0, 1000})),
-      sharpnessAxis_(makeAxis(tr("sharpness"), {0, 10})), chosen_(new QLineSeries)
+      sharpnessAxis_(makeAxis(tr("sharpness (grey levels)"), {0, 10})), chosen_(new QLineSeries)
 {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    auto* layout = new QStackedLayout(this);
+    layout->addWidget(nothing_);
     layout->addWidget(view_);
+    nothing_->setAlignment(Qt::AlignCenter);
+    nothing_->setForegroundRole(QPalette::PlaceholderText);
     view_->setRenderHint(QPainter::Antialiasing);
     view_->setFrameShape(QFrame::NoFrame);
     view_->setFocusPolicy(Qt::NoFocus);
@@ -39,7 +49,9 @@ FocusCurveView::FocusCurveView(QWidget* parent)
     for (const SearchPhase phase : CHARTED_PHASES)
         phases_.emplace_back(chart_, positionAxis_, sharpnessAxis_, phase);
     setAccessibleName(tr("Focus curve"));
-    setToolTip(tr("Sharpness over motor position during the search"));
+    setToolTip(
+        tr("Sharpness over motor position during the search: probe (grey circles), coarse sweep (orange squares), fine "
+           "sweep (green triangles), and where it ended (dashed line)"));
     followPalette();
     showRange();
 }
@@ -56,12 +68,12 @@ int FocusCurveView::sampleCount() const
 
 QSize FocusCurveView::sizeHint() const
 {
-    return {360, 240};
+    return {360, 120}; // more where there is more
 }
 
 QSize FocusCurveView::minimumSizeHint() const
 {
-    return {240, 160};
+    return {240, 120};
 }
 
 void FocusCurveView::clear()
@@ -72,6 +84,7 @@ void FocusCurveView::clear()
     sharpness_.reset();
     sampleCount_ = 0;
     setChosenPosition({});
+    static_cast<QStackedLayout*>(layout())->setCurrentWidget(nothing_);
 }
 
 void FocusCurveView::addSample(SearchPhase phase, double position, double sharpness)
@@ -81,6 +94,7 @@ void FocusCurveView::addSample(SearchPhase phase, double position, double sharpn
         return;
     phases_[static_cast<std::size_t>(found - CHARTED_PHASES)].append(QPointF(position, sharpness));
     ++sampleCount_;
+    static_cast<QStackedLayout*>(layout())->setCurrentWidget(view_);
     if (!positions_) {
         positions_ = Range{position, position};
         sharpness_ = Range{sharpness, sharpness};
@@ -110,6 +124,13 @@ void FocusCurveView::showRange()
     if (chosenPosition_)
         *chosen_ << QPointF(*chosenPosition_, sharpnessAxis_->min())
                  << QPointF(*chosenPosition_, sharpnessAxis_->max());
+}
+
+void FocusCurveView::resizeEvent(QResizeEvent* event)
+{
+    chart_->legend()->setVisible(height() >= LOW);
+    sharpnessAxis_->setTitleVisible(height() >= LOW);
+    QWidget::resizeEvent(event);
 }
 
 void FocusCurveView::changeEvent(QEvent* event)

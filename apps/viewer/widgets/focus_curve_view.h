@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// The curve of a search: sharpness over motor position, drawn while it runs.
+// The curve of a search: sharpness over motor position, drawn while it runs. Before its first point, words say so.
 #pragma once
 
 #include "charts/chart_axis.h"
@@ -12,6 +12,7 @@
 
 class QChart;
 class QChartView;
+class QLabel;
 class QLineSeries;
 class QValueAxis;
 
@@ -38,6 +39,7 @@ public slots:
     void setChosenPosition(std::optional<double> position);
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
@@ -46,6 +48,7 @@ private:
 
     QChart* chart_;
     QChartView* view_;
+    QLabel* nothing_; // in place of the chart while there are no points
     QValueAxis* positionAxis_;
     QValueAxis* sharpnessAxis_;
     std::vector<PhaseSeries> phases_; // as CHARTED_PHASES

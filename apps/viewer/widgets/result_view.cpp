@@ -16,10 +16,11 @@
 namespace tesmor::apps {
 
 ResultView::ResultView(QWidget* parent)
-    : QWidget(parent), resultView_(new WipeView), sliceView_(new ImageView), slider_(new QSlider(Qt::Horizontal)),
-      sliceLabel_(new QLabel), comparisons_(new QActionGroup(this))
+    : QWidget(parent), resultView_(new WipeView), sliceView_(new ImageView), controls_(new QWidget),
+      slider_(new QSlider(Qt::Horizontal)), sliceLabel_(new QLabel), comparisons_(new QActionGroup(this))
 {
     build();
+    buildControls();
     connect(slider_, &QSlider::valueChanged, this, [this](int value) {
         if (comparison_ == Comparison::RESULT && !slices_.isEmpty())
             setComparison(Comparison::SLICE); // who moves the slider wants to see slices
@@ -43,9 +44,14 @@ void ResultView::build()
     views->addWidget(resultView_, 1);
     views->addWidget(sliceView_, 1);
     layout->addLayout(views, 1);
+    resultView_->setAccessibleName(tr("Fused image"));
+    sliceView_->setAccessibleName(tr("Slice"));
+}
 
-    auto* bar = new QHBoxLayout;
-    bar->setContentsMargins(4, 0, 8, 0);
+void ResultView::buildControls()
+{
+    auto* bar = new QHBoxLayout(controls_);
+    bar->setContentsMargins(0, 0, 0, 0);
     const struct {
         Comparison comparison;
         const char* icon;
@@ -77,23 +83,19 @@ void ResultView::build()
     slider_->setTickInterval(1);
     slider_->setAccessibleName(tr("Slice"));
     slider_->setToolTip(tr("Which slice is shown"));
-    bar->addStretch();
-    auto* choice = new QHBoxLayout;
-    choice->setContentsMargins(8, 0, 8, 0);
-    choice->addWidget(slider_, 1);
-    choice->addWidget(sliceLabel_);
-    layout->addLayout(choice);
-    layout->addLayout(bar);
-    resultView_->setAccessibleName(tr("Fused image"));
-    sliceView_->setAccessibleName(tr("Slice"));
+    bar->addWidget(slider_, 1);
+    bar->addWidget(sliceLabel_);
 }
 
 void ResultView::setImages(const QImage& result, const QList<QImage>& slices)
 {
     result_ = result;
+    const bool hasOtherCount = slices.size() != slices_.size();
     slices_ = slices;
     slider_->setEnabled(slices.size() > 1);
     slider_->setRange(0, std::max(0, static_cast<int>(slices.size()) - 1));
+    if (hasOtherCount)
+        slider_->setValue(static_cast<int>(slices.size()) / 2); // as a rule among the sharpest
     for (QAction* action : comparisons_->actions()) {
         const auto comparison = action->data().value<Comparison>();
         action->setEnabled((comparison == Comparison::SLICE || !result.isNull()) &&

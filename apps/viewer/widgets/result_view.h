@@ -30,6 +30,13 @@ public:
     // Shares the pixels. A null result: the slices alone, as after a stack that has not been fused.
     void setImages(const QImage& result, const QList<QImage>& slices);
     const QImage& result() const;
+
+    // What is shown is chosen there, wherever it is put; it belongs to where it is put.
+    QWidget* controls()
+    {
+        return controls_;
+    }
+
     const QList<QImage>& slices() const;
 
     void setMicrometresPerPixel(double micrometres); // 0 for none
@@ -55,6 +62,7 @@ signals:
 
 private:
     void build();
+    void buildControls();
     void showImages();
     void showZoom(const Zoom& zoom);
 
@@ -63,6 +71,7 @@ private:
     Comparison comparison_ = Comparison::RESULT;
     WipeView* resultView_;
     ImageView* sliceView_;
+    QWidget* controls_;
     QSlider* slider_;
     QLabel* sliceLabel_;
     QActionGroup* comparisons_;

@@ -13,6 +13,8 @@ namespace tesmor::apps {
 namespace {
 
 constexpr std::size_t HISTORY = 200; // samples
+constexpr double LEAST_SPAN = 0.1;   // of the maximum: less would show noise as mountains
+constexpr double LINES = 4;
 
 } // namespace
 
@@ -32,12 +34,12 @@ std::optional<double> SharpnessMeter::maximum() const
 
 QSize SharpnessMeter::sizeHint() const
 {
-    return {fontMetrics().averageCharWidth() * 36, fontMetrics().height() * 4};
+    return {fontMetrics().averageCharWidth() * 36, static_cast<int>(fontMetrics().height() * LINES)};
 }
 
 QSize SharpnessMeter::minimumSizeHint() const
 {
-    return {fontMetrics().averageCharWidth() * 22, fontMetrics().height() * 4};
+    return {fontMetrics().averageCharWidth() * 22, sizeHint().height()};
 }
 
 void SharpnessMeter::addSample(double sharpness)
@@ -64,15 +66,17 @@ void SharpnessMeter::paintEvent(QPaintEvent*)
     large.setPointSizeF(font().pointSizeF() * 1.6);
     large.setBold(true);
     const QFontMetrics largeMetrics(large);
-    const int left = std::max(largeMetrics.horizontalAdvance("888.88"),
-                              fontMetrics().horizontalAdvance(tr("max %1").arg("888.88"))) +
+    const QString title = tr("Sharpness");
+    const int left = std::max({largeMetrics.horizontalAdvance("888.88"), fontMetrics().horizontalAdvance(title),
+                               fontMetrics().horizontalAdvance(tr("max %1").arg("888.88"))}) +
                      8;
     const QLocale locale;
     const QString value = history_.empty() ? QString("–") : locale.toString(history_.back(), 'f', 2);
-    const QRect numbers = rect().adjusted(4, 4, 0, -4);
+    const QRect numbers = rect().adjusted(0, 2, 0, -2);
     painter.setPen(text);
+    painter.drawText(numbers, Qt::AlignLeft | Qt::AlignTop, title);
     painter.setFont(large);
-    painter.drawText(numbers, Qt::AlignLeft | Qt::AlignTop, value);
+    painter.drawText(numbers, Qt::AlignLeft | Qt::AlignVCenter, value);
     painter.setFont(font());
     if (maximum_)
         painter.drawText(numbers, Qt::AlignLeft | Qt::AlignBottom,
@@ -88,8 +92,12 @@ void SharpnessMeter::paintEvent(QPaintEvent*)
     }
     if (!maximum_ || *maximum_ <= 0)
         return;
-    const double top = *maximum_ * 1.08;
-    const auto heightOf = [&](double sharpness) { return plot.bottom() - sharpness / top * plot.height(); };
+    const double lowest = history_.empty() ? *maximum_ : *std::ranges::min_element(history_);
+    const double span = std::max(*maximum_ - lowest, *maximum_ * LEAST_SPAN);
+    const double bottom = *maximum_ - 1.1 * span;
+    const auto heightOf = [&](double sharpness) {
+        return plot.bottom() - (sharpness - bottom) / (1.25 * span) * plot.height();
+    };
     painter.setRenderHint(QPainter::Antialiasing);
     QPolygonF line;
     double x = plot.right() - 1 - static_cast<double>(history_.size() - 1) * plot.width() / HISTORY;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// The sharpness of the live frame as a number, with its recent history and its maximum.
+// The sharpness of the live frame as a number, with its recent history and its maximum. The plot begins a little below
+// the lowest that it shows, so that the small differences near the focus are seen.
 #pragma once
 
 #include <QWidget>

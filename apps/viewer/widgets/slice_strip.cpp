@@ -23,6 +23,20 @@ QPixmap emptyPlace(const QPalette& palette)
     return picture;
 }
 
+// A style would tint it.
+QIcon framedWhenSelected(const QPixmap& thumbnail, const QColor& colour)
+{
+    constexpr int FRAME = 3;
+    QPixmap framed = thumbnail;
+    QPainter painter(&framed);
+    painter.setPen(QPen(colour, 2 * FRAME)); // half of it outside
+    painter.drawRect(QRectF(QPointF(0, 0), thumbnail.deviceIndependentSize()));
+    painter.end();
+    QIcon icon(thumbnail);
+    icon.addPixmap(framed, QIcon::Selected);
+    return icon;
+}
+
 } // namespace
 
 SliceStrip::SliceStrip(QWidget* parent) : QListWidget(parent)
@@ -82,7 +96,7 @@ void SliceStrip::addSlice(const QImage& slice)
     QPixmap thumbnail = QPixmap::fromImage(
         rough.convertToFormat(QImage::Format_RGB32).scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation));
     thumbnail.setDevicePixelRatio(ratio);
-    filled->setIcon(QIcon(thumbnail));
+    filled->setIcon(framedWhenSelected(thumbnail, palette().color(QPalette::Highlight)));
     filled->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
     filled->setData(Qt::AccessibleTextRole, tr("Slice %1").arg(sliceCount_));
     scrollToItem(filled);
@@ -92,6 +106,8 @@ void SliceStrip::setCurrentSlice(int index)
 {
     const QSignalBlocker blocker(this);
     setCurrentRow(index);
+    if (currentItem() != nullptr)
+        scrollToItem(currentItem());
 }
 
 int SliceStrip::sliceCount() const

@@ -7,6 +7,7 @@
 #include "viewer/widgets/sharpness_meter.h"
 #include "viewer/widgets/style.h"
 #include "viewer/window/focus_wheel.h"
+#include "viewer/window/why_not.h"
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -26,7 +27,7 @@ namespace {
 
 constexpr int COARSE = 10;          // fine steps in a coarse one
 constexpr double LARGEST_STEP = 36; // degrees; a coarse one is a turn
-constexpr int LARGE_BUTTON = 44;    // pixels high
+constexpr int LARGE_BUTTON = 40;    // pixels high
 
 } // namespace
 
@@ -59,7 +60,6 @@ QWidget* FocusPanel::makeSearchBox()
     focus_->setObjectName("autofocus");
     focus_->setText(tr("Autofocus"));
     focus_->setIcon(themedIcon("focus"));
-    focus_->setToolTip(tr("Drive the focus to where the image is sharpest (F)"));
     focus_->setMinimumHeight(LARGE_BUTTON);
     QFont large = focus_->font();
     large.setPointSizeF(large.pointSizeF() * 1.25);
@@ -97,7 +97,7 @@ QWidget* FocusPanel::makeHandBox()
     step_->setAccessibleName(tr("Fine step"));
     step_->setToolTip(
         tr("How far the arrow keys and a notch of the wheel turn the focus; the page keys turn it ten times as far"));
-    auto* stepLabel = new QLabel(tr("S&tep:"));
+    auto* stepLabel = new QLabel(tr("Ste&p:"));
     stepLabel->setBuddy(step_);
     position_->setObjectName("position");
     position_->setAccessibleName(tr("Focus position"));
@@ -185,6 +185,9 @@ void FocusPanel::showState()
     stop_->setEnabled(!session_.isFree() && !session_.isStopping());
     stop_->setText(session_.isStopping() ? tr("Stopping …") : tr("Stop"));
     handBox_->setEnabled(session_.isFree() && session_.canFocus());
+    const QString reason = whyNot(session_);
+    focus_->setToolTip(withReason(tr("Drive the focus to where the image is sharpest (F)"), reason));
+    handBox_->setToolTip(reason);
     showPosition();
 }
 

@@ -17,6 +17,7 @@ signals:
 
 protected:
     void wheelEvent(QWheelEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
 private:
     int lastValue_ = 0;

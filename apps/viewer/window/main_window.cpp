@@ -33,6 +33,7 @@ namespace {
 
 constexpr QSize USUAL_SIZE(1360, 900);
 constexpr int PROGRESS_WIDTH = 180;
+constexpr int STATUS_MARGIN = 6; // pixels
 constexpr int SECOND_MS = 1000;
 constexpr std::uint16_t USUAL_MAGNIFICATION = 10;
 
@@ -53,7 +54,6 @@ MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSetti
       cameraPanel_(new CameraPanel(session_.source())), activity_(new QLabel), frameInfo_(new QLabel),
       progress_(new QProgressBar)
 {
-    setWindowTitle(tr("tesmor") + "[*]");
     setWindowIcon(applicationIcon());
     build();
     buildStatusBar();
@@ -81,6 +81,7 @@ void MainWindow::build()
     live_->setObjectName("live");
     live_->setAccessibleName(tr("Live image"));
     result_->setVisible(false);
+    result_->controls()->setVisible(false);
     strip_->setObjectName("strip");
     strip_->setAccessibleName(tr("Slices"));
     strip_->setVisible(false);
@@ -91,6 +92,7 @@ void MainWindow::build()
     auto* middle = new QVBoxLayout;
     middle->addWidget(messages_);
     middle->addWidget(splitter_, 1);
+    middle->addWidget(result_->controls());
     middle->addWidget(strip_);
     auto* centre = new QWidget;
     auto* layout = new QHBoxLayout(centre);
@@ -119,6 +121,7 @@ QWidget* MainWindow::makeSidePanel()
     area->setWidget(panel);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus); // it follows what has the keys
     area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setFixedWidth(panel->sizeHint().width() + area->verticalScrollBar()->sizeHint().width());
     return area;
@@ -132,6 +135,7 @@ void MainWindow::buildStatusBar()
     progress_->setMaximumWidth(PROGRESS_WIDTH);
     progress_->setAccessibleName(tr("Progress"));
     progress_->setVisible(false);
+    statusBar()->setContentsMargins(STATUS_MARGIN, 0, STATUS_MARGIN, 0);
     statusBar()->addWidget(activity_, 1);
     statusBar()->addPermanentWidget(progress_);
     statusBar()->addPermanentWidget(frameInfo_);

@@ -116,7 +116,7 @@ void MainWindow::showState()
     live_->setPlaceholder(!wasOpened_                        ? tr("Looking for cameras …")
                           : source.state() == State::OPENING ? tr("Opening %1 …").arg(source.source().title)
                           : source.state() == State::LOST    ? tr("No image. Press Ctrl+R to reconnect.")
-                                                             : tr("No image."));
+                                                             : tr("No image. Choose a camera in the menu Source."));
     live_->setSimulated(source.source().isSimulated);
     live_->setMagnification(session_.magnification());
     progress_->setVisible(isBusy);
@@ -124,6 +124,7 @@ void MainWindow::showState()
     findChild<QAction*>("actionSave")->setEnabled(!result_->view().result().isNull());
     findChild<QAction*>("actionSaveSlices")->setEnabled(!result_->view().slices().isEmpty());
     findChild<QAction*>("reconnect")->setEnabled(wasOpened_);
+    setWindowTitle((wasOpened_ ? source.source().title : tr("tesmor")) + "[*]");
     setWindowModified(hasUnsaved());
     if (session_.isBusy())
         showActivity();
@@ -187,7 +188,7 @@ void MainWindow::showFrameRate()
     const std::uint64_t rate = frames - std::exchange(framesBefore_, frames);
     if (live_->image().isNull())
         return frameInfo_->clear();
-    frameInfo_->setText(tr("%1, %2 frames/s").arg(sizeText(live_->image().size())).arg(rate));
+    frameInfo_->setText(tr("%1 × %2, %3 frames/s").arg(live_->image().width()).arg(live_->image().height()).arg(rate));
     source.refreshControls();
 }
 
@@ -222,6 +223,7 @@ void MainWindow::showResult(bool visible)
 {
     const bool wasVisible = result_->isVisible();
     result_->setVisible(visible);
+    result_->controls()->setVisible(visible);
     findChild<QAction*>("showResult")->setChecked(visible);
     if (visible && !wasVisible)
         splitter_->setSizes({splitter_->width() / 2, splitter_->width() / 2});

@@ -73,7 +73,7 @@ void MainWindow::buildSourceMenu()
 
 void MainWindow::buildFocusMenu()
 {
-    auto* menu = menuBar()->addMenu(tr("F&ocus"));
+    auto* menu = menuBar()->addMenu(tr("Fo&cus"));
     add(menu, "actionFocus", "focus", tr("&Autofocus"), tr("F"), [this] { click("autofocus"); });
     add(menu, "actionStop", "stop", tr("&Stop"), tr("Esc"), [this] { click("stop"); });
     menu->addSeparator();
@@ -91,7 +91,7 @@ void MainWindow::buildStackMenu()
     auto* menu = menuBar()->addMenu(tr("S&tack"));
     add(menu, {}, "chain", tr("Focus, capture and fuse (&all)"), tr("A"), [this] { click("all"); });
     add(menu, {}, "stack", tr("&Capture stack"), tr("K"), [this] { click("capture"); });
-    add(menu, {}, "fuse", tr("&Merge the slices"), tr("M"), [this] { click("fuse"); });
+    add(menu, {}, "fuse", tr("F&use the slices"), tr("M"), [this] { click("fuse"); });
     menu->addSeparator();
     add(menu, {}, "set-first", tr("Set &first"), tr("["), [this] { click("setFirst"); });
     add(menu, {}, "set-last", tr("Set &last"), tr("]"), [this] { click("setLast"); });

@@ -56,12 +56,13 @@ QPushButton* makeButton(const QString& name, const QString& icon, const QString&
 
 ResultPane::ResultPane(QSettings& settings, QWidget* parent)
     : QWidget(parent), settings_(settings), icons_(std::make_unique<PlainFileIcons>()), view_(new ResultView),
-      saveResult_(makeButton("saveResult", "save", tr("Save …"))),
+      controls_(new QWidget), saveResult_(makeButton("saveResult", "save", tr("Save …"))),
       saveSlices_(makeButton("saveSlices", "save", tr("Save slices …")))
 {
     saveResult_->setToolTip(tr("Save the fused image as PNG or TIFF (Ctrl+S)"));
     saveSlices_->setToolTip(tr("Save the slices as one TIFF of several pages (Ctrl+Shift+S)"));
     auto* close = makeButton("closeResult", "close", tr("Close"));
+    close->setToolTip(tr("Put the result away; E shows it again"));
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(saveResult_);
     buttons->addWidget(saveSlices_);
@@ -69,8 +70,11 @@ ResultPane::ResultPane(QSettings& settings, QWidget* parent)
     buttons->addWidget(close);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(view_, 1);
-    layout->addLayout(buttons);
+    layout->addWidget(view_);
+    auto* rows = new QVBoxLayout(controls_);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->addWidget(view_->controls());
+    rows->addLayout(buttons);
     connect(saveResult_, &QPushButton::clicked, this, &ResultPane::saveResult);
     connect(saveSlices_, &QPushButton::clicked, this, &ResultPane::saveSlices);
     connect(close, &QPushButton::clicked, this, &ResultPane::closed);

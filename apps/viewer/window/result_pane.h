@@ -28,6 +28,12 @@ public:
     explicit ResultPane(QSettings& settings, QWidget* parent = nullptr);
     ~ResultPane() override;
 
+    // What is shown and saved is chosen there, below this and the live image; it belongs to where it is put.
+    QWidget* controls()
+    {
+        return controls_;
+    }
+
     ResultView& view()
     {
         return *view_;
@@ -78,6 +84,7 @@ private:
     QSettings& settings_;
     const std::unique_ptr<QFileIconProvider> icons_; // of the file dialog
     ResultView* view_;
+    QWidget* controls_;
     QPushButton* saveResult_;
     QPushButton* saveSlices_;
     double micrometresPerPixel_ = 0;

@@ -6,6 +6,7 @@
 #include "terminal/text.h"
 #include "viewer/widgets/scale_bar.h"
 #include "viewer/widgets/style.h"
+#include "viewer/window/why_not.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -21,11 +22,10 @@ namespace {
 
 constexpr int NUMBER_SPACE = 12; // pixels
 
-QPushButton* makeButton(const QString& name, const QString& icon, const QString& text, const QString& tip)
+QPushButton* makeButton(const QString& name, const QString& icon, const QString& text)
 {
     auto* button = new QPushButton(themedIcon(icon), text);
     button->setObjectName(name);
-    button->setToolTip(tip);
     return button;
 }
 
@@ -34,14 +34,11 @@ QPushButton* makeButton(const QString& name, const QString& icon, const QString&
 StackPanel::StackPanel(Session& session, QWidget* parent)
     : QGroupBox(tr("Stack"), parent), session_(session), around_(new QRadioButton(tr("&Around the focus"))),
       between_(new QRadioButton(tr("Fro&m first to last"))),
-      setFirst_(
-          makeButton("setFirst", "set-first", tr("Set first"), tr("The stack begins where the focus is now ([)"))),
-      setLast_(makeButton("setLast", "set-last", tr("Set last"), tr("The stack ends where the focus is now (])"))),
-      first_(new QLabel), last_(new QLabel), slices_(new QSpinBox), spacing_(new QSpinBox), planText_(new QLabel),
-      capture_(makeButton("capture", "stack", tr("Capture stack"), tr("Capture the slices (K)"))),
-      fuse_(makeButton("fuse", "fuse", tr("Fuse"), tr("Merge the slices into one image that is sharp throughout (M)"))),
-      all_(makeButton("all", "chain", tr("Focus, capture and fuse"),
-                      tr("Focus, capture a stack around the focus and fuse it (A)")))
+      setFirst_(makeButton("setFirst", "set-first", tr("Set first"))),
+      setLast_(makeButton("setLast", "set-last", tr("Set last"))), first_(new QLabel), last_(new QLabel),
+      slices_(new QSpinBox), spacing_(new QSpinBox), planText_(new QLabel),
+      capture_(makeButton("capture", "stack", tr("Capture stack"))), fuse_(makeButton("fuse", "fuse", tr("Fuse"))),
+      all_(makeButton("all", "chain", tr("Focus, capture and fuse")))
 {
     build();
     connectSession();
@@ -75,7 +72,7 @@ void StackPanel::build()
     ends->addWidget(last_, 2, 1);
     auto* slicesLabel = new QLabel(tr("Sl&ices:"));
     slicesLabel->setBuddy(slices_);
-    auto* spacingLabel = new QLabel(tr("S&pacing:"));
+    auto* spacingLabel = new QLabel(tr("Spaci&ng:"));
     spacingLabel->setBuddy(spacing_);
     auto* numbers = new QHBoxLayout;
     numbers->addWidget(slicesLabel);
@@ -147,9 +144,11 @@ void StackPanel::showState()
 {
     const int unit = stepsPerUnit(session_.magnification());
     spacing_->setRange(1, LARGEST_MOVE / unit);
-    spacing_->setSuffix(tr(" × %1 steps").arg(unit));
+    const auto length = calibration_.micrometres(unit);
+    spacing_->setSuffix(tr(" × %1").arg(length ? apps::lengthText(*length) : tr("%n steps", nullptr, unit)));
     const bool isBetween = between_->isChecked();
     slices_->setEnabled(!isBetween);
+    slices_->setToolTip(isBetween ? tr("Follows from the ends and the spacing") : QString());
     const bool isReady = session_.isFree() && session_.canFocus();
     setFirst_->setEnabled(isReady);
     setLast_->setEnabled(isReady);
@@ -159,10 +158,26 @@ void StackPanel::showState()
     capture_->setEnabled(isReady && plan());
     fuse_->setEnabled(session_.isFree() && !session_.slices().isEmpty());
     all_->setEnabled(isReady);
+    showTips();
+}
+
+void StackPanel::showTips()
+{
+    const QString reason = whyNot(session_);
+    const auto setTip = [](QPushButton* button, const QString& what, const QString& why) {
+        button->setToolTip(withReason(what, button->isEnabled() ? QString() : why));
+    };
+    setTip(setFirst_, tr("The stack begins where the focus is now ([)"), reason);
+    setTip(setLast_, tr("The stack ends where the focus is now (])"), reason);
+    setTip(capture_, tr("Capture the slices (K)"), reason.isEmpty() ? textOfPlan() : reason);
+    setTip(fuse_, tr("Merge the slices into one image that is sharp throughout (M)"),
+           session_.isFree() ? tr("Capture a stack first.") : reason);
+    setTip(all_, tr("Focus, capture a stack around the focus and fuse it (A)"), reason);
 }
 
 void StackPanel::showEnd(QLabel* label, std::optional<std::int64_t> end)
 {
+    label->setVisible(session_.first() || session_.last());
     label->setText(end ? tr("at %1°").arg(static_cast<double>(*end) * DEGREES_PER_STEP, 0, 'f', 1) : tr("not set"));
     label->setEnabled(end.has_value());
 }
@@ -192,9 +207,8 @@ QString StackPanel::timeText(double seconds)
 
 QString StackPanel::lengthText(double steps) const
 {
-    const QString text = tr("%n steps", nullptr, static_cast<int>(steps));
     const auto length = calibration_.micrometres(steps);
-    return length ? tr("%1 (%2)").arg(apps::lengthText(*length), text) : text;
+    return length ? apps::lengthText(*length) : tr("%n steps", nullptr, static_cast<int>(steps));
 }
 
 } // namespace tesmor::apps

@@ -44,6 +44,7 @@ private:
     void build();
     void connectSession();
     void showState();
+    void showTips();
     void showEnd(QLabel* label, std::optional<std::int64_t> end);
     QString textOfPlan() const;
     static QString timeText(double seconds);
