@@ -17,7 +17,7 @@ using namespace tesmor;
 namespace {
 
 constexpr int MOST_PIXELS = 1'000'000; // of the images that are decoded here; the command looks at the memory instead
-constexpr std::size_t MOST_PAGES = 4;
+constexpr std::size_t MOST_DECODED = 4;
 
 std::optional<int> choiceOf(std::uint8_t byte)
 {
@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const auto images = apps::findImages({name}, {choiceOf(data[0]), choiceOf(data[1])});
         fuzz::require(!images.empty(), "a file has a page, or is refused");
-        for (std::size_t i = 0; i < std::min(images.size(), MOST_PAGES); ++i) {
+        for (std::size_t i = 0; i < std::min(images.size(), MOST_DECODED); ++i) {
             const apps::ImageHeader header = apps::readImageHeader(images[i]);
             fuzz::require(header.size.width() > 0 && header.size.height() > 0, "a page has a size");
             if (qint64{header.size.width()} * header.size.height() > MOST_PIXELS)

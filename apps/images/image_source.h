@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// Where an image is: a file, or a page of a TIFF file.
+// Where an image is: a file, a page of a TIFF file, or behind one.
 #pragma once
 
 #include <QSizeF>
@@ -18,6 +18,7 @@ struct ImageSource {
     int page;     // from 0
     QString name; // for messages: "a.png", "stack.tif, page 7"
     PixelScale scale = {};
+    int behind = 0; // how many images behind the page it lies, with no page of its own
 };
 
 } // namespace tesmor::apps

@@ -25,9 +25,10 @@ void appendPages(const PagedName& name, const PlaneChoice& choice, std::vector<I
                             .arg(count));
     for (int i = pages.first - 1; i < last; ++i) {
         const int page = planes[static_cast<std::size_t>(i)].page;
-        images.push_back({name.file, page,
-                          file.pageCount == 1 ? name.file : QString("%1, page %2").arg(name.file).arg(page + 1),
-                          stack.scale});
+        const bool isOnly = file.pageCount == 1 && !stack.behindOnePage;
+        const QString text = isOnly ? name.file : QString("%1, page %2").arg(name.file).arg(page + 1);
+        images.push_back(
+            {name.file, stack.behindOnePage ? 0 : page, text, stack.scale, stack.behindOnePage ? page : 0});
     }
 }
 

@@ -2,39 +2,29 @@
 #include "images/stack_description.h"
 #include "terminal/errors.h"
 
-#include <QFileInfo>
 #include <QHash>
 
 #include <algorithm>
 
 namespace tesmor::apps {
 
-namespace {
-
-// Above 4 GB, and now and then below, the images lie behind one page that stands for all.
-bool hasHiddenImages(const DescribedFile& file, std::int64_t images)
+StackDescription readImagejLines(const DescribedFile& pages)
 {
-    return file.pageCount == 1 && images > 1 &&
-           QFileInfo(file.name).size() / images >= static_cast<std::int64_t>(file.pageBytes);
-}
-
-} // namespace
-
-StackDescription readImagejLines(const DescribedFile& file)
-{
+    DescribedFile file = pages;
     QHash<QByteArray, QByteArray> values;
     for (const QByteArray& line : file.description.split('\n')) {
         const qsizetype equals = line.indexOf('=');
         if (equals > 0)
             values[line.first(equals)] = line.sliced(equals + 1).trimmed();
     }
-    const auto count = [&](const char* name) { return std::max<std::int64_t>(1, values.value(name).toInt()); };
+    const auto count = [&](const char* name) {
+        return std::clamp<std::int64_t>(values.value(name).toInt(), 1, MOST_PAGES);
+    };
     const std::int64_t channels = count("channels");
     const std::int64_t images = channels * count("slices") * count("frames");
-    if (hasHiddenImages(file, count("images")))
-        throw UserError(QString("%1: keeps its %2 images behind one page; save it as OME-TIFF, with a page for each")
-                            .arg(file.name)
-                            .arg(count("images")));
+    const bool isBehind = liesBehindOnePage(file, count("images")); // as in files above 4 GB
+    if (isBehind)
+        file.pageCount = static_cast<int>(count("images"));
     const bool isPart = file.pageCount == 1; // a page taken out of a stack still has the lines of the whole
     if (!isPart && (channels > 1 || count("frames") > 1) && images != file.pageCount)
         throw UserError(QString("%1: says that it has %2 images, but has %3 pages; save it again")
@@ -42,7 +32,7 @@ StackDescription readImagejLines(const DescribedFile& file)
                             .arg(images)
                             .arg(file.pageCount));
 
-    StackDescription stack{plainPlanes(file.pageCount), {}, {}};
+    StackDescription stack{plainPlanes(file.pageCount), {}, {}, isBehind};
     stack.scale.resolutionUnit = metresOf(QString::fromLatin1(values.value("unit")));
     if (isPart || images != file.pageCount)
         return stack;

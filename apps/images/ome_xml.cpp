@@ -12,8 +12,6 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr int MOST_PLANES = 1'000'000; // as many pages as libtiff reads
-
 // Pages that follow each other, and the plane that the first of them is.
 struct PageRun {
     int page = 0;
@@ -43,7 +41,7 @@ int numberOf(const QXmlStreamAttributes& attributes, const char* name, int other
 {
     bool isNumber = false;
     const int number = attributes.value(name).toInt(&isNumber);
-    return isNumber && number >= 0 ? std::min(number, MOST_PLANES) : otherwise;
+    return isNumber && number >= 0 ? std::min(number, MOST_PAGES) : otherwise;
 }
 
 double lengthOf(const QXmlStreamAttributes& attributes, const QString& name)
@@ -113,6 +111,11 @@ OmeDocument parse(const DescribedFile& file)
     return document;
 }
 
+std::int64_t planeCount(const OmeDocument& document)
+{
+    return std::int64_t{document.slices} * document.channels * document.times;
+}
+
 // How far a step along each dimension leads in the order of planes.
 struct Strides {
     std::int64_t slice = 1;
@@ -143,9 +146,9 @@ void appendPlanes(const PageRun& run, const OmeDocument& document, const Describ
                   std::vector<Plane>& planes)
 {
     const Strides strides = stridesOf(document);
-    const std::int64_t total = std::int64_t{document.slices} * document.channels * document.times;
+    const std::int64_t total = planeCount(document);
     const std::int64_t first = run.slice * strides.slice + run.channel * strides.channel + run.time * strides.time;
-    const std::int64_t count = run.count.value_or(static_cast<int>(std::min<std::int64_t>(total - first, MOST_PLANES)));
+    const std::int64_t count = run.count.value_or(static_cast<int>(std::min<std::int64_t>(total - first, MOST_PAGES)));
     if (run.page + count > file.pageCount || first + count > total)
         throw UserError(QString("%1: says that it has %2 planes, but has %3 pages; save it again")
                             .arg(file.name)
@@ -168,10 +171,14 @@ bool isHere(const PageRun& run, const OmeDocument& document, const DescribedFile
 
 } // namespace
 
-StackDescription readOmeXml(const DescribedFile& file)
+StackDescription readOmeXml(const DescribedFile& pages)
 {
-    const OmeDocument document = parse(file);
+    const OmeDocument document = parse(pages);
+    DescribedFile file = pages;
     StackDescription stack{{}, document.channelNames, {document.pixelSize}};
+    stack.behindOnePage = liesBehindOnePage(file, planeCount(document));
+    if (stack.behindOnePage)
+        file.pageCount = static_cast<int>(planeCount(document));
     if (file.pageCount == 1) { // of whichever plane: one of several files, or taken out of a stack
         stack.planes = plainPlanes(1);
         return stack;

@@ -117,13 +117,11 @@ DescribedFile TiffFile::describe()
 {
     const int count = pageCount();
     const Layout first = layoutOf({file_, 0, file_});
-    const auto bits =
-        static_cast<std::uint64_t>(first.samples.bits) * static_cast<std::uint64_t>(first.samples.samples);
+    const QSize size = first.samples.size;
     const char* text = nullptr;
     TIFFGetField(tiff_, TIFFTAG_IMAGEDESCRIPTION, &text);
-    return {file_, text, count,
-            bits / 8 * static_cast<std::uint64_t>(first.samples.size.width()) *
-                static_cast<std::uint64_t>(first.samples.size.height())};
+    return {file_, text, count, std::int64_t{size.width()} * size.height() * first.samples.samples,
+            first.direct ? imageRoom(tiff_, first.samples) : 1};
 }
 
 void TiffFile::requireSound(const ImageSource& page, bool complete) const
@@ -186,7 +184,7 @@ QImage TiffFile::read(const ImageSource& page)
     const Layout layout = layoutOf(page);
     QImage image;
     if (layout.direct) {
-        image = readSamples(tiff_, layout.samples);
+        image = readSamples(tiff_, layout.samples, page.behind);
         if (layout.inverted)
             image.invertPixels();
     } else {

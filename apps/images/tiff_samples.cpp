@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <new>
+#include <optional>
 #include <vector>
 
 namespace tesmor::apps {
@@ -48,6 +50,7 @@ void place(const Block& block, const SampleLayout& layout, QImage& image)
         place<std::uint8_t>(block, layout, image);
 }
 
+// Of a row or tile, all samples that lie together in it.
 std::size_t bytesOf(const SampleLayout& layout, std::size_t pixels)
 {
     return pixels * static_cast<std::size_t>(layout.bits / 8 * (layout.apart ? 1 : layout.samples));
@@ -105,16 +108,78 @@ QImage::Format formatOf(const SampleLayout& layout)
     return layout.bits == 16 ? QImage::Format_RGBX64 : QImage::Format_RGB888;
 }
 
+std::uint64_t imageBytes(const SampleLayout& layout)
+{
+    return bytesOf(layout, static_cast<std::size_t>(layout.size.width())) *
+           static_cast<std::uint64_t>(layout.size.height()) *
+           static_cast<std::uint64_t>(layout.apart ? layout.samples : 1);
+}
+
+// Where the samples begin, if they are stored as they are and in one piece.
+std::optional<std::uint64_t> startOfSamples(tiff* file)
+{
+    std::uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(file, TIFFTAG_COMPRESSION, &compression);
+    const std::uint64_t* offsets = nullptr;
+    const std::uint64_t* counts = nullptr;
+    if (compression != COMPRESSION_NONE || TIFFIsTiled(file) || !TIFFGetField(file, TIFFTAG_STRIPOFFSETS, &offsets) ||
+        !TIFFGetField(file, TIFFTAG_STRIPBYTECOUNTS, &counts))
+        return std::nullopt;
+    for (std::uint32_t strip = 1; strip < TIFFNumberOfStrips(file); ++strip) {
+        if (offsets[strip] != offsets[strip - 1] + counts[strip - 1])
+            return std::nullopt;
+    }
+    return offsets[0];
+}
+
+bool readBehind(tiff* file, const SampleLayout& layout, int behind, QImage& image)
+{
+    const auto start = startOfSamples(file);
+    const std::size_t size = bytesOf(layout, static_cast<std::size_t>(image.width()));
+    const thandle_t handle = TIFFClientdata(file);
+    const toff_t offset = start.value_or(0) + static_cast<std::uint64_t>(behind) * imageBytes(layout);
+    if (!start || size > MOST_BLOCK_BYTES || TIFFGetSeekProc(file)(handle, offset, SEEK_SET) != offset)
+        return false;
+    Block block{std::vector<std::uint8_t>(size), {}, image.width(), 0};
+    for (; block.plane < (layout.apart ? layout.colours : 1); ++block.plane) {
+        for (int y = 0; y < image.height(); ++y) {
+            if (TIFFGetReadProc(file)(handle, block.bytes.data(), static_cast<tmsize_t>(size)) !=
+                static_cast<tmsize_t>(size))
+                return false;
+            if (layout.bits == 16 && TIFFIsByteSwapped(file))
+                TIFFSwabArrayOfShort(reinterpret_cast<std::uint16_t*>(block.bytes.data()),
+                                     static_cast<tmsize_t>(size / 2));
+            block.area = QRect(0, y, image.width(), 1);
+            place(block, layout, image);
+        }
+    }
+    return true;
+}
+
 } // namespace
 
-QImage readSamples(tiff* file, const SampleLayout& layout)
+std::int64_t imageRoom(tiff* file, const SampleLayout& layout)
+{
+    const auto start = startOfSamples(file);
+    if (!start)
+        return 1;
+    const std::uint64_t directory = TIFFCurrentDirOffset(file);
+    const std::uint64_t end =
+        directory > *start ? directory : static_cast<std::uint64_t>(TIFFGetSizeProc(file)(TIFFClientdata(file)));
+    return std::max<std::int64_t>(1, static_cast<std::int64_t>((end - std::min(end, *start)) / imageBytes(layout)));
+}
+
+QImage readSamples(tiff* file, const SampleLayout& layout, int behind)
 {
     QImage image(layout.size, formatOf(layout));
     if (image.isNull())
         throw std::bad_alloc();
     if (image.format() == QImage::Format_RGBX64)
         image.fill(Qt::white); // the fourth channel, too
-    return (TIFFIsTiled(file) ? readTiles(file, layout, image) : readRows(file, layout, image)) ? image : QImage();
+    const bool done = behind > 0          ? readBehind(file, layout, behind, image)
+                      : TIFFIsTiled(file) ? readTiles(file, layout, image)
+                                          : readRows(file, layout, image);
+    return done ? image : QImage();
 }
 
 } // namespace tesmor::apps

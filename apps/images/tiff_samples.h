@@ -5,6 +5,8 @@
 #include <QImage>
 #include <QSize>
 
+#include <cstdint>
+
 struct tiff;
 
 namespace tesmor::apps {
@@ -18,6 +20,11 @@ struct SampleLayout {
 };
 
 // Of format Grayscale8, Grayscale16, RGB888 or RGBX64; null if the file is damaged. Throws std::bad_alloc.
-QImage readSamples(tiff* file, const SampleLayout& layout);
+//   behind   the image that lies so many behind the page's own, with no page; up to imageRoom(), which is not checked
+QImage readSamples(tiff* file, const SampleLayout& layout, int behind = 0);
+
+// How many images like the page's, its own among them, have room one behind the other before the file or the samples
+// end; 1 if they are compressed or not in one piece.
+std::int64_t imageRoom(tiff* file, const SampleLayout& layout);
 
 } // namespace tesmor::apps

@@ -22,6 +22,7 @@ protected:
             QFile::copy(TEST_STACKS "/" + name, path(name));
         const QByteArray whole = read("grey16.tif");
         write("cut.tif", whole.first(whole.size() - 1000)); // within the list of pages
+        write("cut_hidden.tif", read("hidden.tif").chopped(1));
         write("cut_strip.tif", read("lzw.tif").first(200));
     }
 };
@@ -50,6 +51,8 @@ TEST_F(StackFilesTest, ReadsThePagesThatAreNamed)
         {{"swapped.ome.tif[2]", "--channel", "2", "--time", "2", "--range", "0,4080"}, 1, grey(161)},
         {{"times.tif[2]", "--channel", "2", "--time", "2", "--range", "0,4080"}, 1, grey(161)},
         {{"times.tif[1]", "--channel", "1", "--time", "2", "--range", "0,4080"}, 1, grey(150)},
+        {{"hidden.tif[2]", "--channel", "2", "--time", "2", "--range", "0,4080"}, 1, grey(161)},
+        {{"hidden_colour.tif[3]"}, 1, qRgb(120, 135, 60)},
         {{"grey16.tif[2-4]", "grey16.tif[3]", "big_endian.tif"}, 9, {}},
         {{"grey16.tif", "colour.tif[1]"}, 6, {}}, // eight bits beside sixteen
     };
@@ -102,7 +105,7 @@ TEST_F(StackFilesTest, SayWhatIsWrong)
         {{"channels.ome.tif", "--channel", "3"}, 1, "channels.ome.tif: has 2 channels (1 DAPI, 2 GFP)"},
         {{"times.tif[4]", "--channel", "1", "--time", "1"}, 1, "times.tif: there are 3 pages"},
         {{"grey16.tif", "--channel", "2"}, 1, "grey16.tif: has only channel 1"},
-        {{"hidden.tif"}, 1, "hidden.tif: keeps its 5 images behind one page"},
+        {{"cut_hidden.tif"}, 1, "cut_hidden.tif: damaged (only 11 of its 12 images are there)"},
         {{"sizes.tif"}, 1, "sizes.tif, page 2: 24 x 15 pixels, but sizes.tif, page 1 has 24 x 16"},
         {{"cmyk.tif"}, 1, "cmyk.tif: is a CMYK image, for printing; convert it to RGB"},
         {{"float.tif"}, 1, "float.tif: holds floating-point numbers; convert it to 16 bits"},
