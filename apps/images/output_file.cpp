@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "images/output_file.h"
 
+#include "images/image_files.h"
 #include "images/tiff_writer.h"
 #include "images/whole_file.h"
 #include "terminal/errors.h"
 
 #include <QBuffer>
+#include <QColorSpace>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QTemporaryFile>
@@ -32,8 +34,19 @@ QByteArray formatOf(const QString& file)
     throw UserError(file + ": unknown image format; choose a name that ends in .png, .jpg, .tif or .bmp");
 }
 
-QByteArray encode(const QString& file, const QImage& image)
+// A profile for colours says nothing about a grey image, and the other way round.
+QImage withFittingProfile(QImage image)
 {
+    constexpr qsizetype KIND_OFFSET = 16; // in an ICC profile
+    const QByteArray kind = image.colorSpace().iccProfile().mid(KIND_OFFSET, 4);
+    if (kind != (isGrey(image) ? "GRAY" : "RGB "))
+        image.setColorSpace({});
+    return image;
+}
+
+QByteArray encode(const QString& file, const QImage& given)
+{
+    const QImage image = withFittingProfile(given);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     if (formatOf(file) == "tiff") {
@@ -61,6 +74,14 @@ void checkOutputFile(const QString& file, QSize size)
         throw UserError(
             QString("%1: JPEG allows only %2 pixels per side; choose .png or .tif").arg(file).arg(JPEG_LONGEST_SIDE));
     checkWritable(file);
+}
+
+bool losesProfile(const QString& file, const QImage& image)
+{
+    const QColorSpace profile = withFittingProfile(image).colorSpace();
+    const QByteArray format = formatOf(file);
+    return !profile.iccProfile().isEmpty() &&
+           ((format == "png" && !profile.isValid()) || (format == "jpeg" && isGrey(image)));
 }
 
 void writeOutputFile(const QString& file, const QImage& image)

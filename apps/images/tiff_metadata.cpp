@@ -45,11 +45,8 @@ void readMetadata(tiff* file, const PixelScale& scale, QImage& image)
 
     std::uint32_t size = 0;
     const void* profile = nullptr;
-    if (TIFFGetField(file, TIFFTAG_ICCPROFILE, &size, &profile)) {
-        const auto space = QColorSpace::fromIccProfile(QByteArray(static_cast<const char*>(profile), size));
-        if (space.isValid())
-            image.setColorSpace(space);
-    }
+    if (TIFFGetField(file, TIFFTAG_ICCPROFILE, &size, &profile)) // which Qt keeps even if it cannot convert by it
+        image.setColorSpace(QColorSpace::fromIccProfile(QByteArray(static_cast<const char*>(profile), size)));
 }
 
 void writeMetadata(tiff* file, const QImage& image)

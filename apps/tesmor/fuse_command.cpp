@@ -151,6 +151,8 @@ int fuse(const Request& request)
     const QImage output = mergeStack(plan, stack, style);
     say(request, QString("Writing %1, %2 pixels").arg(request.output, sizeText(output.size())));
     writeOutputFile(request.output, output);
+    if (losesProfile(request.output, output))
+        say(request, "The images' colour profile is left out, since this format cannot hold it; a TIFF file can");
     say(request, "Done in " + durationText(total.elapsed()));
     if (request.json) {
         QJsonObject result = figuresOf(stack, output);

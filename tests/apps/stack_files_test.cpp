@@ -134,6 +134,10 @@ TEST_F(StackFilesTest, ThePixelSizeAndTheColourProfileComeOutAgain)
     QImage wide = flatImage(24, 16);
     wide.setColorSpace(QColorSpace::AdobeRgb);
     save(wide, "wide.tif");
+    save(wide.convertToFormat(QImage::Format_Grayscale8), "grey.tif");
+    const QByteArray tables = wide.colorSpace().iccProfile().replace("rXYZ", "A2B0"); // none that Qt understands
+    wide.setColorSpace(QColorSpace::fromIccProfile(tables));
+    save(wide, "tables.jpg");
     for (const char* name : {"out.tif", "out.png"}) {
         for (const char* stack : {"grey16.tif", "channels.ome.tif[1]", "times.tif[1]"}) {
             EXPECT_EQ(run("fuse", {stack, "--channel", "1", "--time", "1", "-o", name}).status, 0);
@@ -143,7 +147,12 @@ TEST_F(StackFilesTest, ThePixelSizeAndTheColourProfileComeOutAgain)
         }
         EXPECT_EQ(run("fuse", {"wide.tif", "-o", name}).status, 0);
         EXPECT_EQ(QImage(path(name)).colorSpace().primaries(), QColorSpace::Primaries::AdobeRgb) << name;
+        EXPECT_EQ(run("fuse", {"grey.tif", "-o", name}).status, 0);
+        EXPECT_TRUE(QImage(path(name)).colorSpace().iccProfile().isEmpty()) << "a profile for colours, in " << name;
+        const CommandResult result = run("fuse", {"tables.jpg", "-o", name});
+        EXPECT_NE(result.output.contains("profile is left out"), read(name).contains(tables)) << name;
     }
+    EXPECT_TRUE(read("out.tif").contains(tables));
 }
 
 } // namespace
