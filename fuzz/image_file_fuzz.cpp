@@ -31,11 +31,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const apps::DecoderSession session;
         const apps::ImageSource source{name, 0, name};
-        const QSize imageSize = apps::readImageHeader(source).size;
+        const QSize imageSize = apps::ImageReader().readHeader(source).size;
         fuzz::require(imageSize.width() > 0 && imageSize.height() > 0, "an image has a size");
         if (qint64{imageSize.width()} * imageSize.height() > MOST_PIXELS)
             return 0;
-        const QImage image = apps::scaleToFrame(apps::readImage(source, imageSize), apps::FULL_RANGE);
+        const QImage image = apps::scaleToFrame(apps::ImageReader().read(source, imageSize), apps::FULL_RANGE);
         fuzz::require(image.size() == imageSize && image.format() == QImage::Format_BGR888, "a frame is as announced");
         fuzz::require(image.bytesPerLine() == rowBytes(imageSize.width()), "and laid out as one");
     } catch (const apps::UserError&) {

@@ -37,12 +37,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const auto images = apps::findImages({name}, {choiceOf(data[0]), choiceOf(data[1])});
         fuzz::require(!images.empty(), "a file has a page, or is refused");
+        apps::ImageReader reader;
         for (std::size_t i = 0; i < std::min(images.size(), MOST_DECODED); ++i) {
-            const apps::ImageHeader header = apps::readImageHeader(images[i]);
+            const apps::ImageHeader header = reader.readHeader(images[i]);
             fuzz::require(header.size.width() > 0 && header.size.height() > 0, "a page has a size");
             if (qint64{header.size.width()} * header.size.height() > MOST_PIXELS)
                 continue;
-            const QImage image = apps::readImage(images[i], header.size);
+            const QImage image = reader.read(images[i], header.size);
             fuzz::require(apps::isDeep(image.format()) == header.deep, "a page is as deep as announced");
             apps::ValueCounts counts;
             counts.add(image);

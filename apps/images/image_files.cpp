@@ -90,16 +90,30 @@ bool isGrey(const QImage& image)
     return image.depth() <= 8 ? image.allGray() : image.format() == QImage::Format_Grayscale16;
 }
 
-ImageHeader readImageHeader(const ImageSource& source)
+ImageReader::ImageReader() = default;
+ImageReader::~ImageReader() = default;
+
+// Null if the source is not in a TIFF file.
+TiffFile* ImageReader::tiffOf(const ImageSource& source)
 {
+    if (tiff_ && file_ == source.file)
+        return tiff_.get();
     requireReadableFile(source.file);
-    return TiffFile::isTiff(source.file) ? TiffFile(source.file).readHeader(source) : readHeader(source.file);
+    tiff_ = TiffFile::isTiff(source.file) ? std::make_unique<TiffFile>(source.file) : nullptr;
+    file_ = source.file;
+    return tiff_.get();
 }
 
-QImage readImage(const ImageSource& source, QSize size)
+ImageHeader ImageReader::readHeader(const ImageSource& source)
 {
-    requireReadableFile(source.file);
-    QImage image = TiffFile::isTiff(source.file) ? TiffFile(source.file).read(source) : decode(source.file);
+    TiffFile* const tiff = tiffOf(source);
+    return tiff != nullptr ? tiff->readHeader(source) : apps::readHeader(source.file);
+}
+
+QImage ImageReader::read(const ImageSource& source, QSize size)
+{
+    TiffFile* const tiff = tiffOf(source);
+    QImage image = tiff != nullptr ? tiff->read(source) : decode(source.file);
     if (image.size() != size)
         throw UserError(QString("%1: changed from %2 to %3 pixels in the meantime; try again")
                             .arg(source.name, sizeText(size), sizeText(image.size())));

@@ -35,8 +35,9 @@ using Work = std::function<QImage(const QImage&)>;
 
 Decoded decode(const ImageSource& source, QSize size, const Work& work) noexcept
 {
+    static thread_local ImageReader reader; // until the thread ends, with its pool
     try {
-        const QImage image = readImage(source, size);
+        const QImage image = reader.read(source, size);
         return {work(image), isGrey(image), {}};
     } catch (...) {
         return {{}, false, std::current_exception()};
@@ -107,13 +108,14 @@ ImageSeries examineSeries(const std::vector<ImageSource>& sources, int leastSide
 {
     const DecoderSession session;
     const ImageSource& first = sources.front();
-    const QSize size = readImageHeader(first).size;
+    ImageReader reader;
+    const QSize size = reader.readHeader(first).size;
     if (std::min(size.width(), size.height()) < leastSide)
         throw UserError(QString("%1: only %2 pixels; the minimum is %3 x %3")
                             .arg(first.name, sizeText(size), QString::number(leastSide)));
     ImageSeries series{sources, size, 0};
     for (const ImageSource& source : sources) {
-        const ImageHeader header = readImageHeader(source);
+        const ImageHeader header = reader.readHeader(source);
         if (header.size != size)
             throw UserError(
                 QString("%1: %2 pixels, but %3 has %4; all images must have the same size; leave out the others")

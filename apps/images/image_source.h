@@ -5,6 +5,8 @@
 #include <QSizeF>
 #include <QString>
 
+#include <cstdint>
+
 namespace tesmor::apps {
 
 // How large a pixel is, as far as a file's description says it; the rest is in the pages.
@@ -15,8 +17,8 @@ struct PixelScale {
 
 struct ImageSource {
     QString file;
-    int page;     // from 0
-    QString name; // for messages: "a.png", "stack.tif, page 7"
+    std::uint64_t page; // where it begins in the file; 0: the first, or no pages
+    QString name;       // for messages: "a.png", "stack.tif, page 7"
     PixelScale scale = {};
     int behind = 0; // how many images behind the page it lies, with no page of its own
 };

@@ -13,7 +13,8 @@ namespace {
 
 void appendPages(const PagedName& name, const PlaneChoice& choice, std::vector<ImageSource>& images)
 {
-    const DescribedFile file = TiffFile(name.file).describe();
+    TiffFile reader(name.file);
+    const DescribedFile file = reader.describe();
     const StackDescription stack = describeStack(file);
     const std::vector<Plane> planes = choosePlanes(name.file, stack, choice);
     const auto count = static_cast<int>(planes.size());
@@ -27,8 +28,10 @@ void appendPages(const PagedName& name, const PlaneChoice& choice, std::vector<I
         const int page = planes[static_cast<std::size_t>(i)].page;
         const bool isOnly = file.pageCount == 1 && !stack.behindOnePage;
         const QString text = isOnly ? name.file : QString("%1, page %2").arg(name.file).arg(page + 1);
-        images.push_back(
-            {name.file, stack.behindOnePage ? 0 : page, text, stack.scale, stack.behindOnePage ? page : 0});
+        if (stack.behindOnePage)
+            images.push_back({name.file, 0, text, stack.scale, page});
+        else
+            images.push_back({name.file, reader.find(page, text), text, stack.scale});
     }
 }
 

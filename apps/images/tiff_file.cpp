@@ -95,7 +95,8 @@ bool TiffFile::isTiff(const QString& name)
 
 TiffFile::TiffFile(const QString& file) : file_(file), messages_(std::make_unique<TiffMessages>())
 {
-    tiff_ = TIFFOpenExt(QFile::encodeName(file).constData(), "r", optionsWith(*messages_).get());
+    // Not mapped into memory, where a file that is cut short meanwhile would end the program.
+    tiff_ = TIFFOpenExt(QFile::encodeName(file).constData(), "rm", optionsWith(*messages_).get());
     requireSound({file, 0, file}, tiff_ != nullptr);
 }
 
@@ -124,6 +125,22 @@ DescribedFile TiffFile::describe()
             first.direct ? imageRoom(tiff_, first.samples) : 1};
 }
 
+std::uint64_t TiffFile::find(int page, const QString& name)
+{
+    constexpr int NEAR = 100; // pages; one that is further away is sooner found from the first, by links alone
+    *messages_ = {};
+    const auto from = static_cast<int>(TIFFCurrentDirectory(tiff_));
+    bool found = true;
+    if (page < from || page > from + NEAR) {
+        found = TIFFSetDirectory(tiff_, static_cast<tdir_t>(page)) != 0;
+    } else {
+        for (int i = from; found && i < page; ++i)
+            found = TIFFReadDirectory(tiff_) != 0;
+    }
+    requireSound({file_, 0, name}, found);
+    return TIFFCurrentDirOffset(tiff_);
+}
+
 void TiffFile::requireSound(const ImageSource& page, bool complete) const
 {
     if (complete && !messages_->cut)
@@ -136,7 +153,7 @@ void TiffFile::requireSound(const ImageSource& page, bool complete) const
 void TiffFile::select(const ImageSource& page)
 {
     *messages_ = {};
-    requireSound(page, TIFFSetDirectory(tiff_, static_cast<tdir_t>(page.page)) != 0);
+    requireSound(page, (page.page == 0 ? TIFFSetDirectory(tiff_, 0) : TIFFSetSubDirectory(tiff_, page.page)) != 0);
 }
 
 TiffFile::Layout TiffFile::layoutOf(const ImageSource& page)

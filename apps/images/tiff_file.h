@@ -32,6 +32,10 @@ public:
     // How many pages there are, and what the first one says of them.
     DescribedFile describe();
 
+    // For ImageSource: where a page begins, counted from 0. Quick for pages that follow each other.
+    //   name   of the page, for messages
+    std::uint64_t find(int page, const QString& name);
+
     ImageHeader readHeader(const ImageSource& page);
 
     // Of format Grayscale8, Grayscale16, RGB888, RGBX64 or, for palettes and the like, RGBX8888; turned upright, with
