@@ -110,6 +110,7 @@ TEST_F(ViewerTest, AStackFromFirstToLastIsFusedAndSaved)
     ASSERT_TRUE(awaitIdle());
     EXPECT_EQ(widget<apps::SliceStrip>("strip").sliceCount(), 4);
     EXPECT_EQ(microscope().position(), start + 3600) << "the focus is back where it was";
+    EXPECT_TRUE(widget<QLabel>("activity").text().startsWith("4 slices captured"));
     EXPECT_TRUE(window_->isWindowModified());
 
     press(Qt::Key_M);

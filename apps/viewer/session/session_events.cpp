@@ -10,7 +10,7 @@ namespace tesmor::apps {
 void Session::end(std::int32_t result, const QImage& fused)
 {
     const Operation operation = *operation_;
-    isStopping_ = false;
+    const bool wasStopped = std::exchange(isStopping_, false);
     operation_.reset();
     ticks_.stop();
     const bool succeeded = result == TESMOR_SUCCESS || result == TESMOR_STACK_DONE;
@@ -24,9 +24,13 @@ void Session::end(std::int32_t result, const QImage& fused)
         steps_.clear();
         moves_.clear();
     }
-    const QString text = succeeded ? succeed(operation, fused) : fail(operation, result);
+    QString text = succeeded ? succeed(operation, fused) : fail(operation, result);
+    // A move goes on to its end, but not what was to follow it.
+    const bool wasCut = wasStopped && operation == Operation::MOVE && !isByHand_;
+    if (succeeded && wasCut && source_.state() != LiveSource::State::LOST)
+        text = textOf(operation, TESMOR_ABORTED)->text;
     emit moved();
-    emit ended(operation, succeeded, text);
+    emit ended(operation, succeeded && !wasCut, text);
     driveRelease_.start();
     beginNext();
     if (isBusy())

@@ -180,7 +180,7 @@ void MainWindow::connectParts()
     connect(result_, &ResultPane::notSaved, this, [this] { afterSaving_ = {}; });
     connect(result_, &ResultPane::saved, this, [this](const QString& file) {
         messages_->withdraw("save");
-        activity_->setText(tr("Saved as %1.").arg(file));
+        say(tr("Saved as %1.").arg(file));
         if (const auto act = std::exchange(afterSaving_, {}))
             afterUnsaved(act);
     });

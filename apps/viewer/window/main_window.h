@@ -75,6 +75,7 @@ private:
     void capture();
     void beginStack();
     void endCommand(Operation operation, bool succeeded, const QString& text);
+    void say(const QString& text);
     void showResult(bool visible);
     void obey(const QString& topic);
 
@@ -106,6 +107,7 @@ private:
     StackPanel* stackPanel_;
     CameraPanel* cameraPanel_;
     QLabel* activity_;
+    QString outcome_; // what activity_ says when nothing runs
     QLabel* frameInfo_;
     QProgressBar* progress_;
     QMenu* sourceMenu_;

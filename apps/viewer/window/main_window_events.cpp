@@ -216,7 +216,15 @@ void MainWindow::endCommand(Operation operation, bool succeeded, const QString& 
         result_->view().setComparison(ResultView::Comparison::RESULT);
     }
     if (operation != Operation::MOVE || !succeeded)
-        activity_->setText(text);
+        say(text);
+    else
+        activity_->setText(outcome_);
+}
+
+void MainWindow::say(const QString& text)
+{
+    outcome_ = text;
+    activity_->setText(text);
 }
 
 void MainWindow::showResult(bool visible)

@@ -119,7 +119,7 @@ void MainWindow::buildViewMenu()
     add(menu, "calibratePixels", {}, tr("Micrometres a &pixel …"), {}, [this] {
         live_->setRulerActive(true);
         isCalibrating_ = true;
-        activity_->setText(tr("Click on the two ends of something whose length you know."));
+        say(tr("Click on the two ends of something whose length you know."));
     });
     add(menu, "calibrateTurn", {}, tr("Micrometres a &turn …"), {}, [this] { calibrateTurn(); });
     auto* pane = add(menu, "showResult", "result", tr("R&esult"), tr("E"), [] {});
