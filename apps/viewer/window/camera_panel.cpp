@@ -71,6 +71,7 @@ void CameraPanel::showControls()
         return;
     const CameraControls& controls = source_.controls();
     setVisible(controls.exposure || controls.gain);
+    setEnabled(source_.state() != LiveSource::State::LOST);
     showControl(form_, exposure_, controls.exposure, MS_PER_SECOND);
     showControl(form_, gain_, controls.gain, 1);
 }
