@@ -65,7 +65,7 @@ void ViewerTest::TearDown()
 
 apps::Source ViewerTest::source()
 {
-    return {"virtual", "Test microscope", true,
+    return {"virtual", "Test microscope", isSimulated_,
             [settings = settingsOfMicroscope_, unplugged = unplugged_,
              stalled = stalled_](std::uint16_t magnification) mutable {
                 settings.magnification = magnification;

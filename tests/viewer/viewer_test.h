@@ -60,6 +60,7 @@ protected:
     }
 
     microscope::Settings settingsOfMicroscope_;
+    bool isSimulated_ = true; // or passes for a real camera
     std::shared_ptr<std::atomic<bool>> unplugged_ = std::make_shared<std::atomic<bool>>(false);
     std::shared_ptr<std::atomic<bool>> stalled_ = std::make_shared<std::atomic<bool>>(false);
     QTemporaryDir folder_;

@@ -2,6 +2,7 @@
 #include "viewer/viewer_test.h"
 
 #include "viewer/widgets/focus_curve_view.h"
+#include "viewer/widgets/image_view.h"
 #include "viewer/widgets/live_view.h"
 #include "viewer/widgets/result_view.h"
 #include "viewer/widgets/slice_strip.h"
@@ -196,6 +197,23 @@ TEST_F(ViewerTest, TheRulerAsksForALengthOnlyToCalibrate)
     dialog->setDoubleValue(50);
     dialog->accept();
     EXPECT_NEAR(live.micrometresPerPixel(), 50 / (200 / live.geometryOfImage().scale()), 1e-6);
+}
+
+TEST_F(ViewerTest, TheLiveImageHasTheSizeOfItsObjectiveAndAStackKeepsItsOwn)
+{
+    isSimulated_ = false;
+    settings_->setValue("calibration/virtual/10", 2.0);
+    settings_->setValue("calibration/virtual/40", 0.5);
+    openWindow();
+    auto& live = widget<apps::LiveView>("live");
+    ASSERT_TRUE(await([&] { return live.micrometresPerPixel() == 2.0; }));
+    widget<QSpinBox>("slices").setValue(2);
+    press(Qt::Key_K);
+    ASSERT_TRUE(awaitIdle());
+    auto& objective = widget<QComboBox>("objective");
+    objective.setCurrentIndex(objective.findData(40));
+    EXPECT_EQ(live.micrometresPerPixel(), 0.5);
+    EXPECT_EQ(window_->findChild<apps::ResultView*>()->findChild<apps::ImageView*>()->micrometresPerPixel(), 2.0);
 }
 
 TEST_F(ViewerTest, RemembersObjectiveAndStack)

@@ -52,14 +52,14 @@ MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSetti
       result_(new ResultPane(settings)), splitter_(new QSplitter), strip_(new SliceStrip), messages_(new MessageBar),
       focusPanel_(new FocusPanel(session_)), stackPanel_(new StackPanel(session_)),
       cameraPanel_(new CameraPanel(session_.source())), activity_(new QLabel), frameInfo_(new QLabel),
-      progress_(new QProgressBar)
+      progress_(new QProgressBar), calibrator_(*this, session_, settings), guard_(*result_, settings),
+      keys_(*this, session_, *focusPanel_)
 {
     setWindowIcon(applicationIcon());
     build();
     buildStatusBar();
     buildMenus();
     connectParts();
-    qApp->installEventFilter(this);
     if (!restoreGeometry(settings_.value("window/geometry").toByteArray()))
         resize(USUAL_SIZE);
     stackPanel_->setNumbers(settings_.value("stack/slices", StackPanel::USUAL_SLICES).toInt(),
@@ -71,7 +71,6 @@ MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSetti
 
 MainWindow::~MainWindow()
 {
-    qApp->removeEventFilter(this);
     disconnect(&session_, nullptr, nullptr, nullptr); // what it tells while it ends is for nobody
     disconnect(&session_.source(), nullptr, nullptr, nullptr);
 }
@@ -158,14 +157,16 @@ void MainWindow::connectParts()
         close();
     });
     connect(&session_.source(), &LiveSource::sourcesFound, this, &MainWindow::listSources);
-    connect(&session_.source(), &LiveSource::stateChanged, this, &MainWindow::loadCalibration);
+    connect(&session_.source(), &LiveSource::stateChanged, &calibrator_, &Calibrator::load);
+    connect(&calibrator_, &Calibrator::changed, this, &MainWindow::showCalibration);
+    connect(&guard_, &UnsavedGuard::asksForSlicesChanged, this, &MainWindow::showState);
 
     connect(messages_, &MessageBar::actionTriggered, this, &MainWindow::obey);
     connect(stackPanel_, &StackPanel::captureAsked, this,
-            [this] { afterUnsaved([this] { session_.whenIdle([this] { capture(); }); }); });
+            [this] { guard_.before([this] { session_.whenIdle([this] { capture(); }); }); });
     connect(stackPanel_, &StackPanel::fuseAsked, this, [this] { session_.whenIdle([this] { session_.fuse(); }); });
     connect(stackPanel_, &StackPanel::allAsked, this, [this](int slices, int spacing) {
-        afterUnsaved([=, this] { session_.focusCaptureAndFuse(slices, spacing); });
+        guard_.before([=, this] { session_.focusCaptureAndFuse(slices, spacing); });
     });
     connect(strip_, &SliceStrip::sliceChosen, this, [this](int index) {
         showResult(true);
@@ -177,18 +178,15 @@ void MainWindow::connectParts()
     connect(result_, &ResultPane::closed, this, [this] { showResult(false); });
     connect(result_, &ResultPane::told, messages_, &MessageBar::post);
     connect(result_, &ResultPane::changed, this, &MainWindow::showState);
-    connect(result_, &ResultPane::notSaved, this, [this] { afterSaving_ = {}; });
     connect(result_, &ResultPane::saved, this, [this](const QString& file) {
         messages_->withdraw("save");
         say(tr("Saved as %1.").arg(file));
-        if (const auto act = std::exchange(afterSaving_, {}))
-            afterUnsaved(act);
     });
     connect(live_, &LiveView::zoomChanged, &result_->view(), &ResultView::setZoom);
     connect(&result_->view(), &ResultView::zoomChanged, live_, &LiveView::setZoom);
     connect(live_, &LiveView::rulerMeasured, this, [this](double length) {
         if (std::exchange(isCalibrating_, false))
-            calibratePixels(length);
+            calibrator_.askForPixelSize(length);
     });
     connect(live_, &LiveView::rulerActiveChanged, this, [this] { isCalibrating_ = false; });
     connect(&second_, &QTimer::timeout, this, &MainWindow::showFrameRate);

@@ -2,9 +2,11 @@
 // The window: puts the parts together, and keeps anything unsaved from being lost.
 #pragma once
 
-#include "viewer/session/calibration.h"
 #include "viewer/session/session.h"
 #include "viewer/session/source.h"
+#include "viewer/window/calibrator.h"
+#include "viewer/window/focus_keys.h"
+#include "viewer/window/unsaved_guard.h"
 
 #include <QMainWindow>
 #include <QSettings>
@@ -48,7 +50,6 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void build();
@@ -79,25 +80,14 @@ private:
     void showResult(bool visible);
     void obey(const QString& topic);
 
-    void loadCalibration();
-    void applyCalibration();
-    void calibratePixels(double rulerLength);
-    void calibrateTurn();
+    void showCalibration();
     void saveSettings();
     void showAbout();
-
-    bool hasUnsaved() const;
-
-    // Does it, unless the user wants to keep what is unsaved; saves that first if he likes.
-    void afterUnsaved(const std::function<void()>& act);
-
-    bool moveByKey(int key, bool pressed, bool repeated);
 
     QSettings& settings_;
     SourceFinder finder_;
     QString wanted_;
     Session session_;
-    Calibration calibration_;
     LiveView* live_;
     ResultPane* result_;
     QSplitter* splitter_;
@@ -114,12 +104,16 @@ private:
     QActionGroup* sources_;
     std::vector<Source> sourceList_;
     QTimer second_;
+    QString stackSource_; // that the last stack came from
+    std::uint16_t stackMagnification_ = 0;
     std::uint64_t framesBefore_ = 0; // a second ago
     bool wasOpened_ = false;         // a source, at the start
     bool isCalibrating_ = false;     // the ruler's next length is a known one
     bool isClosing_ = false;
     bool mayClose_ = false;
-    std::function<void()> afterSaving_;
+    Calibrator calibrator_;
+    UnsavedGuard guard_;
+    FocusKeys keys_;
 };
 
 } // namespace tesmor::apps

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "viewer/window/main_window.h"
 
-#include "host/focus_units.h"
 #include "terminal/text.h"
 #include "viewer/widgets/live_view.h"
 #include "viewer/widgets/result_view.h"
@@ -11,59 +10,19 @@
 #include "viewer/window/result_pane.h"
 #include "viewer/window/stack_panel.h"
 
-#include <QAbstractItemView>
-#include <QAbstractSlider>
-#include <QAbstractSpinBox>
 #include <QActionGroup>
-#include <QApplication>
-#include <QCheckBox>
 #include <QCloseEvent>
-#include <QComboBox>
-#include <QInputDialog>
-#include <QKeyEvent>
+#include <QCoreApplication>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QSplitter>
 
 #include <algorithm>
-#include <map>
 #include <utility>
 
 namespace tesmor::apps {
-
-namespace {
-
-constexpr int COARSE = 10; // fine steps
-constexpr const char* ASK_FOR_SLICES = "askForSlices";
-
-// Its own keys are worth more than moving the focus.
-bool usesArrows(const QWidget* widget)
-{
-    return qobject_cast<const QAbstractSpinBox*>(widget) != nullptr ||
-           qobject_cast<const QLineEdit*>(widget) != nullptr || qobject_cast<const QComboBox*>(widget) != nullptr ||
-           qobject_cast<const QAbstractItemView*>(widget) != nullptr ||
-           qobject_cast<const QAbstractSlider*>(widget) != nullptr;
-}
-
-QInputDialog* askForNumber(QWidget* parent, const QString& title, const QString& label, double value)
-{
-    auto* dialog = new QInputDialog(parent);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setWindowTitle(title);
-    dialog->setLabelText(label);
-    dialog->setInputMode(QInputDialog::DoubleInput);
-    dialog->setDoubleRange(0.001, 1e6);
-    dialog->setDoubleDecimals(3);
-    dialog->setDoubleValue(value);
-    dialog->open();
-    return dialog;
-}
-
-} // namespace
 
 void MainWindow::findSources()
 {
@@ -119,13 +78,14 @@ void MainWindow::showState()
                                                              : tr("No image. Choose a camera in the menu Source."));
     live_->setSimulated(source.source().isSimulated);
     live_->setMagnification(session_.magnification());
+    showCalibration();
     progress_->setVisible(isBusy);
     findChild<QAction*>("actionStop")->setEnabled(isBusy);
     findChild<QAction*>("actionSave")->setEnabled(!result_->view().result().isNull());
     findChild<QAction*>("actionSaveSlices")->setEnabled(!result_->view().slices().isEmpty());
     findChild<QAction*>("reconnect")->setEnabled(wasOpened_);
     setWindowTitle((wasOpened_ ? source.source().title : tr("tesmor")) + "[*]");
-    setWindowModified(hasUnsaved());
+    setWindowModified(guard_.hasUnsaved());
     if (session_.isBusy())
         showActivity();
 }
@@ -133,7 +93,7 @@ void MainWindow::showState()
 void MainWindow::showFrame(const QImage& frame, double sharpness)
 {
     if (live_->image().size() != frame.size())
-        loadCalibration();
+        calibrator_.load();
     live_->setFrame(frame);
     focusPanel_->addSharpness(sharpness);
 }
@@ -203,6 +163,11 @@ void MainWindow::beginStack()
     strip_->start(session_.plan().slices);
     strip_->setVisible(true);
     result_->forgetImages();
+    const Source& source = session_.source().source();
+    stackSource_ = source.name;
+    stackMagnification_ = session_.plan().magnification;
+    result_->view().setSimulated(source.isSimulated);
+    showCalibration();
     showActivity();
 }
 
@@ -246,90 +211,15 @@ void MainWindow::obey(const QString& topic)
         result_->saveAgain();
 }
 
-void MainWindow::loadCalibration()
+// What was captured before keeps its size, whatever camera and objective are in use now.
+void MainWindow::showCalibration()
 {
-    const LiveSource& source = session_.source();
-    const QSize size = session_.frameSize();
-    calibration_ = {};
-    if (source.source().isSimulated && !size.isEmpty())
-        calibration_ = Calibration::ofVirtualMicroscope(size.width());
-    calibration_.load(settings_, source.source().name);
-    applyCalibration();
-}
-
-void MainWindow::applyCalibration()
-{
-    const double size = calibration_.micrometresPerPixel(session_.magnification()).value_or(0);
-    live_->setMicrometresPerPixel(size);
-    result_->setMicrometresPerPixel(size);
-    result_->view().setSimulated(session_.source().source().isSimulated);
-    focusPanel_->setCalibration(calibration_);
-    stackPanel_->setCalibration(calibration_);
-}
-
-void MainWindow::calibratePixels(double rulerLength)
-{
-    const double size = calibration_.micrometresPerPixel(session_.magnification()).value_or(1);
-    auto* dialog = askForNumber(this, tr("Calibrate the objective"),
-                                tr("How long is what you measured, in micrometres?\n(%1 pixels, objective %2×)")
-                                    .arg(rulerLength, 0, 'f', 1)
-                                    .arg(session_.magnification()),
-                                rulerLength * size);
-    connect(dialog, &QInputDialog::doubleValueSelected, this, [this, rulerLength](double micrometres) {
-        calibration_.setMicrometresPerPixel(session_.magnification(), micrometres / rulerLength);
-        calibration_.save(settings_, session_.source().source().name);
-        applyCalibration();
-    });
-}
-
-void MainWindow::calibrateTurn()
-{
-    auto* dialog = askForNumber(this, tr("Calibrate the focus"),
-                                tr("How many micrometres does the focus travel in one turn of the motor?"),
-                                calibration_.micrometres(STEPS_PER_TURN).value_or(100));
-    connect(dialog, &QInputDialog::doubleValueSelected, this, [this](double micrometres) {
-        calibration_.setMicrometresPerTurn(micrometres);
-        calibration_.save(settings_, session_.source().source().name);
-        applyCalibration();
-    });
-}
-
-// Who has a fused image that is saved may not want to be asked about its slices.
-bool MainWindow::hasUnsaved() const
-{
-    return result_->hasUnsavedResult() ||
-           (result_->hasUnsavedSlices() &&
-            (result_->view().result().isNull() || settings_.value(ASK_FOR_SLICES, true).toBool()));
-}
-
-void MainWindow::afterUnsaved(const std::function<void()>& act)
-{
-    if (!hasUnsaved())
-        return act();
-    const bool hasResult = !result_->view().result().isNull();
-    const QString text = !result_->hasUnsavedResult() ? tr("The slices have not been saved. Do you want to save them?")
-                         : result_->hasUnsavedSlices()
-                             ? tr("Neither the fused image nor its slices have been saved. Do "
-                                  "you want to save the fused image?")
-                             : tr("The fused image has not been saved. Do you want to save it?");
-    auto* box = new QMessageBox(QMessageBox::Question, tr("Not saved"), text,
-                                QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, this);
-    box->setObjectName("unsaved");
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    if (hasResult && !result_->hasUnsavedResult())
-        box->setCheckBox(new QCheckBox(tr("Do not ask again when only slices are not saved")));
-    connect(box, &QMessageBox::finished, this, [this, act, box](int answer) {
-        if (box->checkBox() != nullptr && box->checkBox()->isChecked() && answer != QMessageBox::Cancel)
-            findChild<QAction*>("askForSlices")->setChecked(false);
-        if (answer == QMessageBox::Discard) {
-            result_->forgetImages();
-            act();
-        } else if (answer == QMessageBox::Save) {
-            afterSaving_ = act;
-            result_->save();
-        }
-    });
-    box->open();
+    const Calibration& calibration = calibrator_.calibration();
+    live_->setMicrometresPerPixel(calibration.micrometresPerPixel(session_.magnification()).value_or(0));
+    if (stackSource_ == session_.source().source().name)
+        result_->setMicrometresPerPixel(calibration.micrometresPerPixel(stackMagnification_).value_or(0));
+    focusPanel_->setCalibration(calibration);
+    stackPanel_->setCalibration(calibration);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
@@ -341,7 +231,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     event->ignore();
     if (isClosing_)
         return;
-    afterUnsaved([this] {
+    guard_.before([this] {
         isClosing_ = true;
         saveSettings();
         centralWidget()->setEnabled(false);
@@ -357,39 +247,6 @@ void MainWindow::saveSettings()
     settings_.setValue("magnification", session_.magnification());
     settings_.setValue("stack/slices", stackPanel_->slices());
     settings_.setValue("stack/spacing", stackPanel_->spacing());
-}
-
-bool MainWindow::eventFilter(QObject* watched, QEvent* event)
-{
-    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
-    if (event->type() == QEvent::WindowDeactivate && watched == this)
-        session_.letGo();
-    if (!isKey || QApplication::activeWindow() != this)
-        return false;
-    const QWidget* const focused = QApplication::focusWidget();
-    if (watched != (focused != nullptr ? focused : this) || usesArrows(focused))
-        return false;
-    const auto* const key = static_cast<QKeyEvent*>(event);
-    if (key->modifiers() & ~Qt::KeypadModifier)
-        return false;
-    return moveByKey(key->key(), event->type() == QEvent::KeyPress, key->isAutoRepeat());
-}
-
-bool MainWindow::moveByKey(int key, bool pressed, bool repeated)
-{
-    static const std::map<int, int> FINE_STEPS{
-        {Qt::Key_Up, 1}, {Qt::Key_Down, -1}, {Qt::Key_PageUp, COARSE}, {Qt::Key_PageDown, -COARSE}};
-    const auto found = FINE_STEPS.find(key);
-    if (found == FINE_STEPS.end())
-        return false;
-    const int steps = found->second * focusPanel_->fineSteps();
-    if (pressed && repeated)
-        session_.moveHeld(steps);
-    else if (pressed)
-        session_.move(steps);
-    else if (!repeated)
-        session_.letGo();
-    return true;
 }
 
 } // namespace tesmor::apps

@@ -53,11 +53,9 @@ void MainWindow::buildFileMenu()
         [this] { result_->saveSlices(); });
     auto* ask = add(menu, "askForSlices", {}, tr("As&k before slices are lost"), {}, [] {});
     ask->setCheckable(true);
-    ask->setChecked(settings_.value("askForSlices", true).toBool());
-    connect(ask, &QAction::toggled, this, [this](bool asks) {
-        settings_.setValue("askForSlices", asks);
-        showState();
-    });
+    ask->setChecked(guard_.asksForSlices());
+    connect(ask, &QAction::toggled, &guard_, &UnsavedGuard::setAsksForSlices);
+    connect(&guard_, &UnsavedGuard::asksForSlicesChanged, ask, &QAction::setChecked);
     menu->addSeparator();
     add(menu, "quit", {}, tr("&Quit"), QKeySequence::Quit, [this] { close(); });
 }
@@ -78,7 +76,7 @@ void MainWindow::buildFocusMenu()
     add(menu, "actionStop", "stop", tr("&Stop"), tr("Esc"), [this] { click("stop"); });
     menu->addSeparator();
     const auto addMove = [&](const QString& text, int key, const QString& keyText) {
-        add(menu, {}, {}, text + '\t' + keyText, {}, [this, key] { moveByKey(key, true, false); });
+        add(menu, {}, {}, text + '\t' + keyText, {}, [this, key] { keys_.press(key); });
     };
     addMove(tr("Forward, &fine"), Qt::Key_Up, tr("Up"));
     addMove(tr("Back, fi&ne"), Qt::Key_Down, tr("Down"));
@@ -121,7 +119,7 @@ void MainWindow::buildViewMenu()
         isCalibrating_ = true;
         say(tr("Click on the two ends of something whose length you know."));
     });
-    add(menu, "calibrateTurn", {}, tr("Micrometres a &turn …"), {}, [this] { calibrateTurn(); });
+    add(menu, "calibrateTurn", {}, tr("Micrometres a &turn …"), {}, [this] { calibrator_.askForTurn(); });
     auto* pane = add(menu, "showResult", "result", tr("R&esult"), tr("E"), [] {});
     pane->setCheckable(true);
     connect(pane, &QAction::triggered, this, &MainWindow::showResult);
