@@ -181,7 +181,7 @@ void compareOnDriftingStack(const Tools& tools, const QDir& folder)
     if (peersDecibels > 0)
         pictures.push_back({"align_image_stack, enfuse", decibels(peersDecibels), middleOf(peers)});
     const QRect detail = apps::mostDifferentPart(plainMiddle, middleOf(ours));
-    if (!apps::compare(pictures, detail).save(folder.filePath("alignment.png")))
+    if (!apps::compare(pictures, detail).save(folder.filePath("alignment.jpg"), nullptr, 90))
         throw std::runtime_error("cannot write the comparison");
 }
 

@@ -125,7 +125,7 @@ std::optional<Placement> registerFrame(const QImage& frame, const QImage& refere
         if (!fit || fit->correlation < LEAST_CORRELATION)
             return std::nullopt;
         const cv::Size size(frame.width(), frame.height());
-        const Placement placement = scaled(fit->placement, ofFrame.front().size(), size);
+        const Placement placement = scaled(fit->placement, sizeWithin(size, MOST_PIXELS), size);
         return isPlausible(placement, size) ? std::optional(placement) : std::nullopt;
     });
 }

@@ -8,6 +8,12 @@
 
 namespace tesmor::apps {
 
+namespace {
+
+constexpr int SHADING_PART = 16; // what is coarser than the frame's sides by that is shading
+
+} // namespace
+
 std::string registrationVersion()
 {
     return "OpenCV " + cv::getVersionString();
@@ -24,28 +30,37 @@ cv::Mat matOf(const QImage& image)
             static_cast<std::size_t>(image.bytesPerLine())};
 }
 
+cv::Size sizeWithin(cv::Size size, double mostPixels)
+{
+    const double shrinking = std::sqrt(mostPixels / size.width / size.height);
+    if (shrinking >= 1)
+        return size;
+    const auto shrunk = [&](int side) { return std::max(1, static_cast<int>(std::lround(side * shrinking))); };
+    return {shrunk(size.width), shrunk(size.height)};
+}
+
 cv::Mat greyOf(const QImage& image, double mostPixels)
 {
     cv::Mat grey;
     cv::cvtColor(matOf(image), grey, cv::COLOR_BGR2GRAY);
     grey.convertTo(grey, CV_32F);
-    const double shrinking = std::sqrt(mostPixels / grey.cols / grey.rows);
-    if (shrinking < 1) {
-        const auto shrunk = [&](int side) { return std::max(1, static_cast<int>(std::lround(side * shrinking))); };
-        cv::Mat small;
-        cv::resize(grey, small, {shrunk(grey.cols), shrunk(grey.rows)}, 0, 0, cv::INTER_AREA);
-        return small;
-    }
-    return grey;
+    const cv::Size size = sizeWithin(grey.size(), mostPixels);
+    if (size == grey.size())
+        return grey;
+    cv::Mat small;
+    cv::resize(grey, small, size, 0, 0, cv::INTER_AREA);
+    return small;
 }
 
 cv::Mat withoutShading(const cv::Mat& grey)
 {
-    // A box is as good as anything for what is that coarse, and takes the same time at any size.
-    const int box = std::max(grey.cols, grey.rows) / 4;
+    // A box is as good as anything for what is that coarse, and takes the same time at any size. Near the border it
+    // would average what does not move with the specimen.
+    const cv::Size reach(grey.cols / (2 * SHADING_PART), grey.rows / (2 * SHADING_PART));
     cv::Mat coarse;
-    cv::blur(grey, coarse, {box, box}, {-1, -1}, cv::BORDER_REFLECT_101);
-    return grey - coarse;
+    cv::blur(grey, coarse, {2 * reach.width + 1, 2 * reach.height + 1}, {-1, -1}, cv::BORDER_REFLECT_101);
+    const cv::Rect inner(reach.width, reach.height, grey.cols - 2 * reach.width, grey.rows - 2 * reach.height);
+    return grey(inner) - coarse(inner);
 }
 
 cv::Matx23d matrixOf(const Placement& placement, cv::Size size)

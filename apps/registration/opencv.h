@@ -16,10 +16,14 @@ namespace tesmor::apps {
 cv::Mat matOf(QImage& image);
 cv::Mat matOf(const QImage& image);
 
-// Brightness in grey levels as floats, made smaller until it has at most so many pixels.
+// Made smaller until it has at most so many pixels.
+cv::Size sizeWithin(cv::Size size, double mostPixels);
+
+// Brightness in grey levels as floats, of sizeWithin.
 cv::Mat greyOf(const QImage& image, double mostPixels);
 
-// Without uneven illumination and brightness: what is coarser than a quarter of the frame is taken away.
+// Without uneven illumination and brightness: what is coarser than a sixteenth of the frame is taken away, and a
+// thirty-second of it at each side.
 cv::Mat withoutShading(const cv::Mat& grey);
 
 // From pixels of the reference to pixels of the frame, both of that size.

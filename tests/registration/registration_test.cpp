@@ -13,7 +13,7 @@
 namespace tesmor::apps {
 namespace {
 
-constexpr double PIXELS = 0.2; // of a shift
+constexpr double PIXELS = 0.15; // of a shift
 constexpr double SCALE = 0.0005;
 
 struct Stack {
@@ -57,7 +57,7 @@ void expectTruth(const Placement& found, const microscope::Warp& frame, const mi
 TEST(Registration, FindsTheWarpsOfAStack)
 {
     const microscope::MotionSettings motions[] = {
-        {}, {.drift = 20}, {.breathing = 0.008}, {.turn = 4}, {.breathing = -0.004, .drift = 12, .turn = 1}};
+        {}, {.drift = 40}, {.breathing = 0.008}, {.turn = 4}, {.breathing = -0.004, .drift = 12, .turn = 1}};
     for (const auto& motion : motions) {
         SCOPED_TRACE(testing::Message() << motion.breathing << ", " << motion.drift << ", " << motion.turn);
         Stack stack = takeStack(motion);
