@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -43,8 +44,9 @@ Spans::Spans(int from, int to, int begin, int count)
 void addRows(const QImage& image, const Spans& rows, int row, int firstByte, std::vector<std::uint16_t>& sums)
 {
     std::ranges::fill(sums, 0);
+    const std::uint16_t* weights = rows.weights.data() + std::ptrdiff_t{row} * rows.taps;
     for (int tap = 0; tap < rows.taps; ++tap) {
-        const unsigned weight = rows.weights[static_cast<std::size_t>(row * rows.taps + tap)];
+        const unsigned weight = weights[tap];
         if (weight == 0)
             continue;
         const uchar* const bytes = image.constScanLine(rows.first[static_cast<std::size_t>(row)] + tap) + firstByte;
@@ -58,7 +60,7 @@ void addColumns(const std::vector<std::uint16_t>& sums, const Spans& columns, QR
 {
     const std::uint16_t* weight = columns.weights.data();
     for (const int first : columns.first) {
-        const std::uint16_t* sum = sums.data() + (first - columns.first.front()) * CHANNELS;
+        const std::uint16_t* sum = sums.data() + std::ptrdiff_t{first - columns.first.front()} * CHANNELS;
         unsigned blue = HALF * WHOLE;
         unsigned green = HALF * WHOLE;
         unsigned red = HALF * WHOLE;

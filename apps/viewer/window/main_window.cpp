@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSplitter>
@@ -32,6 +33,7 @@ namespace tesmor::apps {
 namespace {
 
 constexpr QSize USUAL_SIZE(1360, 900);
+constexpr double SHARE_OF_SCREEN = 0.94; // at most; the rest is for a frame
 constexpr int PROGRESS_WIDTH = 180;
 constexpr int STATUS_MARGIN = 6; // pixels
 constexpr int SECOND_MS = 1000;
@@ -61,7 +63,7 @@ MainWindow::MainWindow(const SourceFinder& finder, const QString& wanted, QSetti
     buildMenus();
     connectParts();
     if (!restoreGeometry(settings_.value("window/geometry").toByteArray()))
-        resize(USUAL_SIZE);
+        resize(USUAL_SIZE.boundedTo(screen()->availableSize() * SHARE_OF_SCREEN));
     stackPanel_->setNumbers(settings_.value("stack/slices", StackPanel::USUAL_SLICES).toInt(),
                             settings_.value("stack/spacing", StackPanel::USUAL_SPACING).toInt());
     live_->setFocus();
