@@ -145,7 +145,8 @@ void TiffFile::requireSound(const ImageSource& page, bool complete) const
 {
     if (complete && !messages_->cut)
         return;
-    const QString& error = messages_->error;
+    QString error = messages_->error;
+    error.remove(file_ + ": "); // libtiff names it, too
     const QString reason = !error.isEmpty() ? error : messages_->cut ? "the end is missing" : "its sizes make no sense";
     throw UserError(QString("%1: damaged (%2); copy or save it again").arg(page.name, reason));
 }

@@ -26,7 +26,7 @@ void printRow(const QString& name, qsizetype width, const QString& images, const
 } // namespace
 
 BatchReport::BatchReport(Style style, const std::vector<BatchJob>& jobs)
-    : style_(style), errors_(fdopen(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0), "w"), std::fclose)
+    : style_(style), jobCount_(jobs.size()), errors_(fdopen(fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0), "w"), std::fclose)
 {
     for (const BatchJob& job : jobs)
         nameWidth_ = std::clamp(job.stack.size(), nameWidth_, WIDEST_NAME);
@@ -91,6 +91,8 @@ void BatchReport::printTotals() const
         parts.append(QString("%1 skipped").arg(skipped_));
     if (!failed_.isEmpty())
         parts.append(QString("%1 failed (%2)").arg(failed_.size()).arg(failed_.join(", ")));
+    if (const std::size_t ended = done_ + skipped_ + static_cast<std::size_t>(failed_.size()); ended < jobCount_)
+        parts.append(QString("%1 not begun").arg(jobCount_ - ended));
     printLine(QString("%1 in %2: %3 stacks an hour")
                   .arg(parts.join(", "), durationText(took))
                   .arg(static_cast<double>(done_) * 3600 / took.count(), 0, 'f', 0));

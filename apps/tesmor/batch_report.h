@@ -50,6 +50,7 @@ private:
     void add(const BatchJob& job, const QString& result, QJsonObject figures, const QString& remark = {});
 
     const Style style_;
+    const std::size_t jobCount_;
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> errors_; // a duplicate of standard error
     qsizetype nameWidth_ = 5;
     const Clock::time_point start_ = Clock::now();

@@ -108,6 +108,7 @@ TEST_F(FuseEachTest, AFullDiskEndsTheRunAndLeavesNoPart)
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.errors.startsWith("tesmor fuse: out/noise.png: cannot be written")) << qPrintable(result.errors);
     EXPECT_TRUE(result.errors.contains("--skip-existing"));
+    EXPECT_TRUE(result.output.contains("1 merged, 1 failed (noise), 2 not begun in ")) << qPrintable(result.output);
     EXPECT_EQ(results(), QStringList({"A1.png"}));
 }
 
