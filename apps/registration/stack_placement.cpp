@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <functional>
 #include <numeric>
 
 namespace tesmor::apps {
@@ -52,13 +53,17 @@ void forEachIndex(std::size_t count, const Function& function, const Each& each)
     }
 }
 
-std::size_t sharpestOf(const std::vector<QImage>& frames)
+// The frames, the sharpest first.
+std::vector<std::size_t> bySharpness(const std::vector<QImage>& frames)
 {
     std::vector<double> sharpness(frames.size());
     forEachIndex<double>(
         frames.size(), [&](std::size_t i) { return edgeSharpness(frames[i]); },
         [&](std::size_t i, double value) { sharpness[i] = value; });
-    return static_cast<std::size_t>(std::ranges::max_element(sharpness) - sharpness.begin());
+    std::vector<std::size_t> order(frames.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::stable_sort(order, std::ranges::greater(), [&](std::size_t i) { return sharpness[i]; });
+    return order;
 }
 
 // Moves each side inwards until the frame shows all four corners.
@@ -87,21 +92,9 @@ void shrink(QRectF& part, const Placement& placement, QSize size)
     }
 }
 
-} // namespace
-
-std::vector<std::size_t> outwards(std::size_t reference, std::size_t count)
+StackPlacement placeOver(std::size_t reference, const std::vector<QImage>& frames,
+                         const std::function<void(int)>& progress)
 {
-    std::vector<std::size_t> order;
-    for (std::size_t frame = reference; frame-- > 0;)
-        order.push_back(frame);
-    for (std::size_t frame = reference + 1; frame < count; ++frame)
-        order.push_back(frame);
-    return order;
-}
-
-StackPlacement placeFrames(const std::vector<QImage>& frames, const std::function<void(int)>& progress)
-{
-    const std::size_t reference = sharpestOf(frames);
     StackPlacement placement{reference, std::vector<std::optional<Placement>>(frames.size())};
     placement.frames[reference] = Placement{};
 
@@ -130,6 +123,34 @@ StackPlacement placeFrames(const std::vector<QImage>& frames, const std::functio
         inner = frame;
     }
     return placement;
+}
+
+} // namespace
+
+std::size_t StackPlacement::leftOut() const
+{
+    return static_cast<std::size_t>(std::ranges::count(frames, false, &std::optional<Placement>::has_value));
+}
+
+std::vector<std::size_t> outwards(std::size_t reference, std::size_t count)
+{
+    std::vector<std::size_t> order;
+    for (std::size_t frame = reference; frame-- > 0;)
+        order.push_back(frame);
+    for (std::size_t frame = reference + 1; frame < count; ++frame)
+        order.push_back(frame);
+    return order;
+}
+
+StackPlacement placeFrames(const std::vector<QImage>& frames, const std::function<void(int)>& progress)
+{
+    const std::vector<std::size_t> order = bySharpness(frames);
+    StackPlacement placement = placeOver(order.front(), frames, progress);
+    if (2 * placement.leftOut() <= frames.size() - 1)
+        return placement;
+    // The sharpest may be the one that shows something else.
+    StackPlacement next = placeOver(order[1], frames, [](int) {});
+    return next.leftOut() < placement.leftOut() ? next : placement;
 }
 
 std::uint64_t placementMemory(QSize size)

@@ -25,14 +25,14 @@ std::string alignmentText()
     return "with " + registrationVersion();
 }
 
-void requireAlignment(QSize size)
+void requireAlignment(const QString& name, QSize size)
 {
     if (std::min(size.width(), size.height()) < LEAST_REGISTERED_SIDE)
-        throw UserError(QString("images of %1 pixels are too small to be aligned; the minimum is %2 x %2")
-                            .arg(sizeText(size), QString::number(LEAST_REGISTERED_SIDE)));
+        throw UserError(QString("%1: %2 pixels are too small to be aligned; the minimum is %3 x %3")
+                            .arg(name, sizeText(size), QString::number(LEAST_REGISTERED_SIDE)));
     if (std::max(size.width(), size.height()) > MOST_REGISTERED_SIDE)
-        throw UserError(QString("images of %1 pixels are too large to be aligned; the maximum is %2 a side")
-                            .arg(sizeText(size), QString::number(MOST_REGISTERED_SIDE)));
+        throw UserError(QString("%1: %2 pixels are too large to be aligned; the maximum is %3 a side")
+                            .arg(name, sizeText(size), QString::number(MOST_REGISTERED_SIDE)));
 }
 
 std::uint64_t alignmentMemory(QSize size, std::size_t imageCount)
@@ -51,8 +51,7 @@ AlignedImages alignImages(std::vector<QImage>& images, const QStringList& names,
         if (!placement.frames[i])
             aligned.leftOut.append(names[static_cast<qsizetype>(i)]);
     }
-    const auto others = static_cast<qsizetype>(images.size()) - 1;
-    if (2 * aligned.leftOut.size() > others)
+    if (2 * placement.leftOut() > images.size() - 1)
         throw UserError(QString("%1 of %2 images cannot be aligned with %3, the sharpest one: they are blank, or show "
                                 "something else; leave them out, or merge without --align")
                             .arg(aligned.leftOut.size())
@@ -61,7 +60,10 @@ AlignedImages alignImages(std::vector<QImage>& images, const QStringList& names,
     if (crop)
         aligned.part = sharedPart(placement, size);
     if (aligned.part.width() < size.width() / LEAST_SHARED || aligned.part.height() < size.height() / LEAST_SHARED)
-        throw UserError("the images share less than a quarter of their width or height; merge fewer, or add --no-crop");
+        throw UserError(
+            QString("the images share less than a quarter of the width or height of %1; merge fewer, or add "
+                    "--no-crop")
+                .arg(aligned.reference));
     layOver(images, placement);
     return aligned;
 }

@@ -22,7 +22,8 @@ namespace tesmor::apps {
 std::string alignmentText();
 
 // Throws UserError if images of that size cannot be aligned, or not by this build.
-void requireAlignment(QSize size);
+//   name   of one of them
+void requireAlignment(const QString& name, QSize size);
 
 // Bytes in total that aligning takes at most: its own memory and the images.
 std::uint64_t alignmentMemory(QSize size, std::size_t imageCount);
@@ -33,7 +34,7 @@ struct AlignedImages {
     QRect part;          // of what they merge to, that is to be kept
 };
 
-// Lays the images, in focus order, over the sharpest of them, and removes those that cannot be aligned. They keep their
+// Lays the images, in focus order, over a sharp one of them, and removes those that cannot be aligned. They keep their
 // size, for which the fusion may have been planned before. Throws UserError if most cannot be aligned, or if they share
 // too little.
 //   names   of the images

@@ -143,7 +143,7 @@ int fuse(const Request& request)
     for (const QString& name : stack.leftOut)
         std::fprintf(stderr, "tesmor fuse: %s: left out; it cannot be aligned\n", qPrintable(name));
     if (request.options.align)
-        say(request, QString("Aligned with %1, the sharpest one").arg(stack.reference));
+        say(request, QString("Aligned with %1").arg(stack.reference));
     if (stack.shift)
         say(request,
             QString("The images are shifted by up to %1 pixels; --align puts them right").arg(*stack.shift, 0, 'f', 0));

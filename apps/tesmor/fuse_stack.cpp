@@ -32,7 +32,7 @@ StackPlan planStack(const QStringList& arguments, const FuseOptions& options)
     const std::uint64_t memory = fusionMemory(series.size, images.size());
     if (!options.align)
         return {series, memory};
-    requireAlignment(series.size);
+    requireAlignment(series.sources.front().name, series.size);
     return {series, std::max(memory, alignmentMemory(series.size, images.size()))};
 }
 

@@ -9,7 +9,7 @@ std::string alignmentText()
     return "built without OpenCV";
 }
 
-void requireAlignment(QSize)
+void requireAlignment(const QString&, QSize)
 {
     throw UserError("this build cannot align; run tools/setup registration and build again, or leave out --align");
 }

@@ -100,7 +100,7 @@ TEST_F(AlignTest, NamesWhatCannotBeAligned)
         {QStringList{"--align", files[0]} + QStringList(3, "blank.png"), 1,
          "3 of 4 images cannot be aligned with slice0"},
         {QStringList{"--align"} + QStringList(3, "blank.png"), 1, "2 of 3 images cannot be aligned"},
-        {{"--align", "small.png", "small.png"}, 1, "images of 31 x 40 pixels are too small to be aligned"},
+        {{"--align", "small.png", "small.png"}, 1, "small.png: 31 x 40 pixels are too small to be aligned"},
         {{"--no-crop", "blank.png"}, 2, "--no-crop does nothing without --align"},
     };
     for (const Case& c : cases) {
