@@ -49,9 +49,7 @@ FocusCurveView::FocusCurveView(QWidget* parent)
     for (const SearchPhase phase : CHARTED_PHASES)
         phases_.emplace_back(chart_, positionAxis_, sharpnessAxis_, phase);
     setAccessibleName(tr("Focus curve"));
-    setToolTip(
-        tr("Sharpness over motor position during the search: probe (grey circles), coarse sweep (orange squares), fine "
-           "sweep (green triangles), and where it ended (dashed line)"));
+    setPhased(true);
     followPalette();
     showRange();
 }
@@ -59,6 +57,20 @@ FocusCurveView::FocusCurveView(QWidget* parent)
 void FocusCurveView::setPositionTitle(const QString& title)
 {
     positionAxis_->setTitleText(title);
+}
+
+void FocusCurveView::setPhased(bool isPhased)
+{
+    isPhased_ = isPhased;
+    setToolTip(isPhased ? tr("Sharpness over motor position during the search: probe (grey circles), coarse sweep "
+                             "(orange squares), fine sweep (green triangles), and where it ended (dashed line)")
+                        : tr("Sharpness over time during the search: this motor does not tell its position"));
+    showLegend();
+}
+
+void FocusCurveView::showLegend()
+{
+    chart_->legend()->setVisible(isPhased_ && height() >= LOW);
 }
 
 int FocusCurveView::sampleCount() const
@@ -116,7 +128,7 @@ void FocusCurveView::showRange()
 {
     constexpr double LEAST = 1e-3;
     constexpr int PARTS = 2; // the view may be narrow, and its numbers long
-    if (positions_ && positions_->high - positions_->low >= 1)
+    if (positions_ && positions_->high - positions_->low >= LEAST)
         setAxisRange(positionAxis_, positions_->widened(0.05), PARTS);
     if (sharpness_ && sharpness_->high - sharpness_->low >= LEAST)
         setAxisRange(sharpnessAxis_, sharpness_->widened(0.08), PARTS);
@@ -128,7 +140,7 @@ void FocusCurveView::showRange()
 
 void FocusCurveView::resizeEvent(QResizeEvent* event)
 {
-    chart_->legend()->setVisible(height() >= LOW);
+    showLegend();
     sharpnessAxis_->setTitleVisible(height() >= LOW);
     QWidget::resizeEvent(event);
 }

@@ -27,6 +27,9 @@ public:
     // The title of the horizontal axis, with its unit; "motor position (steps)" at first.
     void setPositionTitle(const QString& title);
 
+    // False where nothing tells the phases of the search apart; true at first.
+    void setPhased(bool isPhased);
+
     int sampleCount() const;
 
     QSize sizeHint() const override;
@@ -44,6 +47,7 @@ protected:
 
 private:
     void followPalette();
+    void showLegend();
     void showRange();
 
     QChart* chart_;
@@ -57,6 +61,7 @@ private:
     std::optional<Range> positions_;
     std::optional<Range> sharpness_;
     int sampleCount_ = 0;
+    bool isPhased_ = true;
 };
 
 } // namespace tesmor::apps

@@ -207,6 +207,7 @@ void FocusPanel::showPosition()
 void FocusPanel::beginCurve()
 {
     curve_->clear();
+    curve_->setPhased(!session_.curve().isOverTime());
     curve_->setPositionTitle(session_.curve().isOverTime() ? tr("time (s)")
                              : calibration_.micrometres(1) ? tr("focus position (µm)")
                                                            : tr("focus position (°)"));
