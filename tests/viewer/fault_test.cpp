@@ -115,9 +115,10 @@ TEST_F(ViewerTest, ADriveThatAnotherProgramHoldsIsToldUntilItIsFree)
             << told().toStdString();
     }
     ASSERT_TRUE(await([&] { return told().isEmpty(); }));
-    click("autofocus");
+    press(Qt::Key_Up);
     ASSERT_TRUE(awaitIdle());
     EXPECT_EQ(told(), QString());
+    EXPECT_EQ(widget<QLabel>("activity").text(), QString());
 }
 
 TEST_F(ViewerTest, AViewerLetsGoOfTheDriveAfterAMove)

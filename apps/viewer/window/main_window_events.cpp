@@ -180,10 +180,11 @@ void MainWindow::endCommand(Operation operation, bool succeeded, const QString& 
         showResult(true);
         result_->view().setComparison(ResultView::Comparison::RESULT);
     }
-    if (operation != Operation::MOVE || !succeeded)
-        say(text);
-    else
-        activity_->setText(outcome_);
+    if (operation != Operation::MOVE && succeeded)
+        outcome_ = text;
+    else if (!succeeded) // which the next success takes away
+        outcome_.clear();
+    activity_->setText(succeeded ? outcome_ : text);
 }
 
 void MainWindow::say(const QString& text)
