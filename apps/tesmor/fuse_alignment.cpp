@@ -15,7 +15,7 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr double NOTICEABLE_SHIFT = 3; // pixels; in many images the look's errors add up to two
+constexpr double NOTICEABLE_SHIFT = 3; // pixels; in many images the look's errors add up to two and a half
 constexpr int LEAST_SHARED = 4;        // of a side, one part in so many
 
 } // namespace
