@@ -98,7 +98,8 @@ Library::Run& Library::newRun()
 {
     if (runs_.size() == MOST_RUNS)
         runs_.pop_front();
-    return runs_.emplace_back(*this);
+    runs_.push_back({*this, {}, {}}); // not emplaced: clang 14 makes no aggregate of parentheses
+    return runs_.back();
 }
 
 void Library::post(std::function<void()> job)
