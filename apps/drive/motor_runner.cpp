@@ -245,9 +245,12 @@ void MotorRunner::findAgain()
             pause = std::min(pause * 2, LONGEST_PAUSE);
         }
     }
+    {
+        const Lock lock(mutex_);
+        lost_ = false;
+    }
+    // Only now: who reads it moves.
     logLine(motor_.name() + " is back; where it stands is uncertain if it was lost in a move");
-    const Lock lock(mutex_);
-    lost_ = false;
 }
 
 } // namespace tesmor::drive
