@@ -153,19 +153,26 @@ void MotorRunner::run()
         busy_ = true;
         lock.unlock();
         bool hasMoved = false;
+        bool isBack = false;
         try {
             hasMoved = carryOut(job);
         } catch (const MotorRefused& refusal) {
             refuse(refusal.what());
         } catch (const MotorLost& loss) {
             lose(loss);
-            findAgain();
+            isBack = findAgain();
         }
         lock.lock();
         busy_ = false;
+        lost_ = lost_ && !isBack;
         if (hasMoved)
             owe(Event::acknowledgement); // not before: the client's next move may come at once
         changed_.notify_all();
+        if (isBack) { // told only now, since who reads it moves
+            lock.unlock();
+            logLine(motor_.name() + " is back; where it stands is uncertain if it was lost in a move");
+            lock.lock();
+        }
     }
 }
 
@@ -227,30 +234,25 @@ void MotorRunner::save()
         logLine("the position cannot be written to " + file_.name() + "; it will be lost at the end");
 }
 
-void MotorRunner::findAgain()
+// False when the end comes first.
+bool MotorRunner::findAgain()
 {
     std::chrono::milliseconds pause = FIRST_PAUSE;
     for (;;) {
         {
             Lock lock(mutex_);
             if (changed_.wait_for(lock, pause, [this] { return ending_; }))
-                return;
+                return false;
         }
         try {
             motor_.connect();
             if (opened_)
                 motor_.open();
-            break;
+            return true;
         } catch (const MotorLost&) {
             pause = std::min(pause * 2, LONGEST_PAUSE);
         }
     }
-    {
-        const Lock lock(mutex_);
-        lost_ = false;
-    }
-    // Only now: who reads it moves.
-    logLine(motor_.name() + " is back; where it stands is uncertain if it was lost in a move");
 }
 
 } // namespace tesmor::drive

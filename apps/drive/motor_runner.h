@@ -57,7 +57,7 @@ private:
     void refuse(const std::string& why);
     void save();
     void lose(const MotorLost& loss);
-    void findAgain();
+    bool findAgain();
 
     Motor& motor_;
     const PositionFile& file_;

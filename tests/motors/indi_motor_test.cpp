@@ -105,7 +105,7 @@ TEST_F(IndiMotorTest, AServerThatEndsInAMoveIsToldAndFoundAgain)
     startServer();
     EXPECT_TRUE(program->says(" is back; where it stands is uncertain")) << program->said();
     const RawClient next(UNIT);
-    EXPECT_EQ(next.ask(FORWARD_1000), ACCEPTED);
+    EXPECT_EQ(next.ask(FORWARD_1000), ACCEPTED) << program->said();
     EXPECT_EQ(next.receive(), ACKNOWLEDGEMENT);
     program->signal(SIGTERM);
     EXPECT_EQ(program->end(), 0);
