@@ -93,9 +93,10 @@ void BatchReport::printTotals() const
         parts.append(QString("%1 failed (%2)").arg(failed_.size()).arg(failed_.join(", ")));
     if (const std::size_t ended = done_ + skipped_ + static_cast<std::size_t>(failed_.size()); ended < jobCount_)
         parts.append(QString("%1 not begun").arg(jobCount_ - ended));
-    printLine(QString("%1 in %2: %3 stacks an hour")
-                  .arg(parts.join(", "), durationText(took))
-                  .arg(static_cast<double>(done_) * 3600 / took.count(), 0, 'f', 0));
+    QString line = QString("%1 in %2").arg(parts.join(", "), durationText(took));
+    if (done_ > 0)
+        line += QString(": %1 stacks an hour").arg(static_cast<double>(done_) * 3600 / took.count(), 0, 'f', 0);
+    printLine(line);
 }
 
 } // namespace tesmor::apps
