@@ -23,13 +23,18 @@ QtMessageHandler tellAsUsual = nullptr;
 // While the application is made: without a display Qt says so at length, and aborts.
 void tellOfDisplay(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
+    static QString reasons;
     if (type == QtFatalMsg) {
+        if (!reasons.contains("could not connect to display"))
+            std::fputs(qPrintable(reasons + text + '\n'), stderr);
         std::fputs("tesmor-viewer: no display can be opened; start it from a desktop, or check DISPLAY and "
                    "WAYLAND_DISPLAY\n",
                    stderr);
         std::_Exit(STATUS_FAILED);
     }
-    if (!QLatin1String(context.category).startsWith(QLatin1String("qt.qpa")))
+    if (QLatin1String(context.category).startsWith(QLatin1String("qt.qpa")))
+        reasons += text + '\n';
+    else
         tellAsUsual(type, context, text);
 }
 
@@ -68,8 +73,8 @@ QCommandLineParser& addOptions(QCommandLineParser& parser)
 int main(int argc, char** argv)
 {
     QCommandLineParser forText;
-    addOptions(forText).parse(QStringList(argv, argv + argc));
-    const auto application = makeApplication(argc, argv, !asksForText(forText));
+    const bool isKnown = addOptions(forText).parse(QStringList(argv, argv + argc)); // Qt's own options are not
+    const auto application = makeApplication(argc, argv, !isKnown || !asksForText(forText));
     QCoreApplication::setOrganizationName("tesmor");
     QCoreApplication::setApplicationName("tesmor-viewer");
     QCoreApplication::setApplicationVersion(TESMOR_VERSION);

@@ -169,6 +169,10 @@ TEST_F(ViewerTest, AStoppedStackKeepsItsSlices)
     widget<QSpinBox>("slices").setValue(120);
     press(Qt::Key_K);
     ASSERT_TRUE(await([&] { return widget<apps::SliceStrip>("strip").sliceCount() >= 2; }));
+    window_->close();
+    auto* box = window_->findChild<QMessageBox*>("unsaved");
+    ASSERT_NE(box, nullptr) << "lost without a question";
+    box->button(QMessageBox::Cancel)->click();
     press(Qt::Key_Escape);
     ASSERT_TRUE(awaitIdle());
     const auto kept = window_->session().slices().size();

@@ -46,6 +46,8 @@ void Session::open(const Source& source)
     emit withdrawn("camera");
     emit withdrawn("drive");
     driveFailure_.reset();
+    isDriveMissed_ = false;
+    driveWatch_.stop();
     source_.open(source, magnification_);
     losePosition();
 }

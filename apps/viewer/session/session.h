@@ -192,6 +192,7 @@ private:
     QImage fused_;
     QSize frameSize_;
     std::optional<Message> driveFailure_; // not told yet: the drives are being looked up
+    bool isDriveMissed_ = false;          // which was told
     QElapsedTimer operationTime_;
     QTimer ticks_;        // while something runs
     QTimer driveRelease_; // after the last command

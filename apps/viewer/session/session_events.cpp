@@ -169,16 +169,20 @@ void Session::tellOfDrives(const std::vector<DriveUnit>& units)
             news.action = tr("Reconnect");
         }
         emit told(news);
+        isDriveMissed_ = true;
     } else if (!message) {
         emit withdrawn("drive");
     }
-    if (message)
+    isDriveMissed_ = isDriveMissed_ && message;
+    if (isDriveMissed_)
         driveWatch_.start();
 }
 
 void Session::lookForDrives()
 {
-    if (!isBusy())
+    if (isBusy())
+        driveWatch_.start();
+    else
         library_.findDrives();
 }
 

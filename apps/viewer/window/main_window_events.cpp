@@ -232,6 +232,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
     event->ignore();
     if (isClosing_)
         return;
+    if (session_.operation() == Operation::STACK)
+        result_->setImages({}, session_.slices()); // what it has brought so far
     guard_.before([this] {
         isClosing_ = true;
         saveSettings();

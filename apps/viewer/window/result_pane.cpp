@@ -154,17 +154,18 @@ void ResultPane::askForFile(const QString& title, const QString& filters, const 
     dialog->selectFile(QFileInfo(name).completeBaseName());
     connect(dialog, &QFileDialog::filterSelected, dialog,
             [dialog](const QString& filter) { dialog->setDefaultSuffix(filter.contains("*.png") ? "png" : "tif"); });
-    connect(dialog, &QFileDialog::fileSelected, this, [this, &what, write](const QString& file) {
-        settings_.setValue(FOLDER_KEY, QFileInfo(file).path());
-        writeFile(file, what, write);
-    });
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this, &what, version = what.version, write](const QString& file) {
+                settings_.setValue(FOLDER_KEY, QFileInfo(file).path());
+                writeFile(file, what, version, write);
+            });
     connect(dialog, &QFileDialog::rejected, this, &ResultPane::notSaved);
     dialog->open();
 }
 
-void ResultPane::writeFile(const QString& file, Saved& what, const Writer& write)
+void ResultPane::writeFile(const QString& file, Saved& what, int version, const Writer& write)
 {
-    writer_.post([this, &what, file, write, version = what.version] {
+    writer_.post([this, &what, version, file, write] {
         QString failure;
         try {
             write(file);

@@ -78,7 +78,7 @@ private:
 
     void askForFile(const QString& title, const QString& filters, const QString& name, Saved& what,
                     const Writer& write);
-    void writeFile(const QString& file, Saved& what, const Writer& write);
+    void writeFile(const QString& file, Saved& what, int version, const Writer& write);
     void finishWriting(Saved& what, int version, const QString& file, const QString& failure);
 
     QSettings& settings_;

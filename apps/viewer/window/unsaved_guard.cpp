@@ -62,10 +62,13 @@ void UnsavedGuard::before(const std::function<void()>& act)
     box->setAttribute(Qt::WA_DeleteOnClose);
     if (!result_.view().result().isNull() && !result_.hasUnsavedResult())
         box->setCheckBox(new QCheckBox(tr("Do not ask again when only slices are not saved")));
-    connect(box, &QMessageBox::finished, this, [this, act, box](int button) {
+    connect(box, &QMessageBox::finished, this, [this, act, box, asked = result_.hasUnsavedResult()](int button) {
         if (box->checkBox() != nullptr && box->checkBox()->isChecked() && button != QMessageBox::Cancel)
             setAsksForSlices(false);
-        answer(button, act);
+        if (button == QMessageBox::Discard && !asked && result_.hasUnsavedResult())
+            before(act); // a fusion has ended meanwhile
+        else
+            answer(button, act);
     });
     box->open();
 }
