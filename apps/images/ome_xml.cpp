@@ -176,7 +176,9 @@ StackDescription readOmeXml(const DescribedFile& pages)
     const OmeDocument document = parse(pages);
     DescribedFile file = pages;
     StackDescription stack{{}, document.channelNames, {document.pixelSize}};
-    stack.behindOnePage = liesBehindOnePage(file, planeCount(document));
+    const bool isWhole =
+        std::ranges::all_of(document.runs, [&](const PageRun& run) { return isHere(run, document, pages); });
+    stack.behindOnePage = isWhole && liesBehindOnePage(file, planeCount(document));
     if (stack.behindOnePage)
         file.pageCount = static_cast<int>(planeCount(document));
     if (file.pageCount == 1) { // of whichever plane: one of several files, or taken out of a stack

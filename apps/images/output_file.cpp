@@ -81,7 +81,7 @@ bool losesProfile(const QString& file, const QImage& image)
     const QColorSpace profile = withFittingProfile(image).colorSpace();
     const QByteArray format = formatOf(file);
     return !profile.iccProfile().isEmpty() &&
-           ((format == "png" && !profile.isValid()) || (format == "jpeg" && isGrey(image)));
+           (format == "bmp" || (format == "png" && !profile.isValid()) || (format == "jpeg" && isGrey(image)));
 }
 
 void writeOutputFile(const QString& file, const QImage& image)

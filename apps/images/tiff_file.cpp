@@ -165,7 +165,9 @@ TiffFile::Layout TiffFile::layoutOf(const ImageSource& page)
     TIFFGetField(tiff_, TIFFTAG_IMAGEWIDTH, &width);
     TIFFGetField(tiff_, TIFFTAG_IMAGELENGTH, &height);
     constexpr std::uint32_t MOST = std::numeric_limits<std::int32_t>::max();
-    requireSound(page, width > 0 && height > 0 && width <= MOST && height <= MOST);
+    constexpr std::uint64_t MOST_AREA = 1ULL << 46; // so that the bytes of 65,535 samples a pixel can be counted
+    requireSound(page, width > 0 && height > 0 && width <= MOST && height <= MOST &&
+                           std::uint64_t{width} * height <= MOST_AREA);
     if (const QString problem = refusal(tiff_); !problem.isEmpty())
         throw UserError(page.name + ": " + problem);
 

@@ -52,7 +52,7 @@ AlignedImages alignImages(std::vector<QImage>& images, const QStringList& names,
             aligned.leftOut.append(names[static_cast<qsizetype>(i)]);
     }
     if (2 * placement.leftOut() > images.size() - 1)
-        throw UserError(QString("%1 of %2 images cannot be aligned with %3, the sharpest one: they are blank, or show "
+        throw UserError(QString("%1 of %2 images cannot be aligned with %3: they are blank, or show "
                                 "something else; leave them out, or merge without --align")
                             .arg(aligned.leftOut.size())
                             .arg(images.size())
