@@ -162,6 +162,24 @@ TEST_F(ViewerTest, OneKeyFocusesCapturesAndFuses)
     EXPECT_FALSE(result.result().isNull());
 }
 
+TEST_F(ViewerTest, AnImageThatComesWhileAnOlderOneIsSavedStaysUnsaved)
+{
+    openWindow();
+    widget<QAction>("askForSlices").setChecked(false);
+    window_->session().focusCaptureAndFuse(2, 4);
+    ASSERT_TRUE(awaitIdle());
+    widget<QAction>("actionSave").trigger();
+    auto* dialog = window_->findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    window_->session().focusCaptureAndFuse(3, 4);
+    ASSERT_TRUE(awaitIdle());
+    dialog->setDirectory(folder_.path());
+    dialog->selectFile("old.png");
+    QMetaObject::invokeMethod(dialog, "accept");
+    ASSERT_TRUE(await([&] { return widget<QLabel>("activity").text().startsWith("Saved as"); }));
+    EXPECT_TRUE(window_->isWindowModified());
+}
+
 TEST_F(ViewerTest, AStoppedStackKeepsItsSlices)
 {
     settingsOfMicroscope_.timeScale = 1;
