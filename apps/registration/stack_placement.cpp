@@ -132,6 +132,11 @@ std::size_t StackPlacement::leftOut() const
     return static_cast<std::size_t>(std::ranges::count(frames, false, &std::optional<Placement>::has_value));
 }
 
+bool StackPlacement::leavesOutMost() const
+{
+    return 2 * leftOut() > frames.size() - 1;
+}
+
 std::vector<std::size_t> outwards(std::size_t reference, std::size_t count)
 {
     std::vector<std::size_t> order;
@@ -146,7 +151,7 @@ StackPlacement placeFrames(const std::vector<QImage>& frames, const std::functio
 {
     const std::vector<std::size_t> order = bySharpness(frames);
     StackPlacement placement = placeOver(order.front(), frames, progress);
-    if (2 * placement.leftOut() <= frames.size() - 1)
+    if (!placement.leavesOutMost())
         return placement;
     // The sharpest may be the one that shows something else.
     StackPlacement next = placeOver(order[1], frames, [](int) {});

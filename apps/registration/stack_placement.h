@@ -26,6 +26,7 @@ struct StackPlacement {
     std::vector<std::optional<Placement>> frames; // over the reference; nothing where a frame cannot be registered
 
     std::size_t leftOut() const; // that many frames have no place
+    bool leavesOutMost() const;  // of those beside the reference
 };
 
 // All frames but the reference: those before it, then those behind it, each time from the reference outwards.

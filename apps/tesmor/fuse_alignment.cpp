@@ -51,7 +51,7 @@ AlignedImages alignImages(std::vector<QImage>& images, const QStringList& names,
         if (!placement.frames[i])
             aligned.leftOut.append(names[static_cast<qsizetype>(i)]);
     }
-    if (2 * placement.leftOut() > images.size() - 1)
+    if (placement.leavesOutMost())
         throw UserError(QString("%1 of %2 images cannot be aligned with %3: they are blank, or show "
                                 "something else; leave them out, or merge without --align")
                             .arg(aligned.leftOut.size())

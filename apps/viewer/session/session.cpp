@@ -44,10 +44,7 @@ void Session::open(const Source& source)
     if (isBusy())
         stop();
     emit withdrawn("camera");
-    emit withdrawn("drive");
-    driveFailure_.reset();
-    isDriveMissed_ = false;
-    driveWatch_.stop();
+    forgetDriveFault();
     source_.open(source, magnification_);
     losePosition();
 }

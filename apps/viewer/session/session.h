@@ -171,6 +171,7 @@ private:
     void followSource(LiveSource::State state, const QString& text);
     void tellOfDrives(const std::vector<DriveUnit>& units);
     void lookForDrives();
+    void forgetDriveFault();
     bool hasMemoryFor(const StackPlan& plan);
 
     Library library_;
@@ -192,7 +193,7 @@ private:
     QImage fused_;
     QSize frameSize_;
     std::optional<Message> driveFailure_; // not told yet: the drives are being looked up
-    bool isDriveMissed_ = false;          // which was told
+    bool isDriveMissed_ = false;          // which was told: they are looked up again and again
     QElapsedTimer operationTime_;
     QTimer ticks_;        // while something runs
     QTimer driveRelease_; // after the last command

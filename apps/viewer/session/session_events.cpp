@@ -45,7 +45,7 @@ QString Session::succeed(Operation operation, const QImage& fused)
 {
     emit withdrawn("command");
     if (operation != Operation::FUSION) {
-        emit withdrawn("drive");
+        forgetDriveFault();
         emit withdrawn("camera");
     }
     const double seconds = static_cast<double>(operationTime_.elapsed()) / 1000;
@@ -169,13 +169,20 @@ void Session::tellOfDrives(const std::vector<DriveUnit>& units)
             news.action = tr("Reconnect");
         }
         emit told(news);
-        isDriveMissed_ = true;
+        isDriveMissed_ = message.has_value();
     } else if (!message) {
-        emit withdrawn("drive");
+        forgetDriveFault();
     }
-    isDriveMissed_ = isDriveMissed_ && message;
     if (isDriveMissed_)
         driveWatch_.start();
+}
+
+void Session::forgetDriveFault()
+{
+    driveFailure_.reset();
+    isDriveMissed_ = false;
+    driveWatch_.stop();
+    emit withdrawn("drive");
 }
 
 void Session::lookForDrives()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-// The window: puts the parts together, and keeps anything unsaved from being lost.
+// The window: puts the parts together.
 #pragma once
 
 #include "viewer/session/session.h"
