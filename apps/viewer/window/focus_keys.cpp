@@ -16,8 +16,6 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr int COARSE = 10; // fine steps
-
 // Its own keys are worth more than moving the focus.
 bool usesArrows(const QWidget* widget)
 {
@@ -48,9 +46,9 @@ int FocusKeys::stepsOf(int key) const
     case Qt::Key_Down:
         return -panel_.fineSteps();
     case Qt::Key_PageUp:
-        return COARSE * panel_.fineSteps();
+        return FocusPanel::COARSE * panel_.fineSteps();
     case Qt::Key_PageDown:
-        return -COARSE * panel_.fineSteps();
+        return -FocusPanel::COARSE * panel_.fineSteps();
     default:
         return 0;
     }

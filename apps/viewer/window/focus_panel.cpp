@@ -25,7 +25,6 @@ namespace tesmor::apps {
 
 namespace {
 
-constexpr int COARSE = 10;          // fine steps in a coarse one
 constexpr double LARGEST_STEP = 36; // degrees; a coarse one is a turn
 constexpr int LARGE_BUTTON = 40;    // pixels high
 

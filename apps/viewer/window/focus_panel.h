@@ -26,7 +26,9 @@ public:
 
     void setCalibration(const Calibration& calibration);
 
-    // Motor steps of a fine step; a coarse one is ten of them.
+    static constexpr int COARSE = 10; // fine steps in a coarse one
+
+    // Motor steps of a fine step.
     int fineSteps() const;
 
     void addSharpness(double sharpness);
